@@ -1,0 +1,30 @@
+#pragma once
+
+#include "model/Date.hpp"
+
+#include <optional>
+
+namespace tallowen {
+
+struct LocalDateParts {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int hour = 0;
+};
+
+// The Gregorian calendar in the process's local time zone (TZ is honoured).
+// Every day key, start of day and hour of the engine comes from here.
+class LocalCalendar {
+public:
+    LocalDateParts parts(Date date) const;
+    // The first instant of the local day that holds `date`.
+    Date startOfDay(Date date) const;
+    // The first instant of the given local day; nothing when the fields do not
+    // make a representable date. Out-of-range months and days roll over.
+    std::optional<Date> startOfDay(int year, int month, int day) const;
+    // The start of the day `days` calendar days after the day of `date`.
+    std::optional<Date> startOfDayAdding(Date date, int days) const;
+};
+
+}  // namespace tallowen

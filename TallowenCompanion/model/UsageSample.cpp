@@ -1,0 +1,9 @@
+#include "model/UsageSample.hpp"
+
+#include "model/CheckedMath.hpp"
+
+namespace tallowen {
+
+int64_t UsageSample::totalTokens() const { return checkedAdd(inputTokens, outputTokens); }
+
+}  // namespace tallowen

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "import/ImportState.hpp"
+#include "model/LocalCalendar.hpp"
+#include "model/UsageTool.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+namespace tallowen {
+
+struct ScanCounters {
+    int64_t filesRead = 0;
+    int64_t filesReused = 0;
+    int64_t filesUnreadable = 0;
+};
+
+struct LogReadOutcome {
+    // Tools whose source exists, in reading order: claude-code, codex, cursor.
+    std::vector<UsageTool> detected;
+    ToolResults results;
+    ScanCounters counters;
+};
+
+// Runs the Claude Code, Codex and Cursor readers against a home folder,
+// renewing `state` for every log file that changed. A tool whose source is
+// absent is neither detected nor in the results; one whose source holds
+// nothing is detected with an empty day map.
+LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, ImportState& state,
+                           const LocalCalendar& calendar);
+
+}  // namespace tallowen

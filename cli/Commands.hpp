@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tallowen::cli {
+
+// Each command takes the arguments after its name and returns the exit status.
+int runScanCommand(const std::vector<std::string>& arguments);
+int runImportCommand(const std::vector<std::string>& arguments);
+int runDaysCommand(const std::vector<std::string>& arguments);
+int runWatchCommand(const std::vector<std::string>& arguments);
+int runPanelCommand(const std::vector<std::string>& arguments);
+int runSummaryCommand(const std::vector<std::string>& arguments);
+// `tallowen` alone: one import, then the panel.
+int runDefaultCommand(const std::vector<std::string>& arguments);
+
+}  // namespace tallowen::cli

@@ -1,0 +1,49 @@
+#include "model/DayKey.hpp"
+#include "support/Dates.hpp"
+#include "support/ScopedTimeZone.hpp"
+
+#include <gtest/gtest.h>
+
+namespace tallowen {
+namespace {
+
+using testing::localDate;
+using testing::ScopedTimeZone;
+using testing::utcDate;
+
+TEST(DayKeyTest, FormatsLocalDateWithMinimumWidths) {
+    ScopedTimeZone zone("Europe/Paris");
+    const LocalCalendar calendar;
+    EXPECT_EQ(dayKey(localDate(2026, 1, 5, 12), calendar), "2026-01-05");
+    EXPECT_EQ(dayKey(12026, 3, 7), "12026-03-07");
+    // 23:30 UTC on 31 December is already 1 January in Paris.
+    EXPECT_EQ(dayKey(utcDate(2025, 12, 31, 23, 30), calendar), "2026-01-01");
+    EXPECT_LT(dayKey(2025, 12, 31), dayKey(2026, 1, 1));
+}
+
+TEST(DayKeyTest, KeysTurnBackIntoDayStarts) {
+    ScopedTimeZone zone("America/New_York");
+    const LocalCalendar calendar;
+    const Date expected = localDate(2026, 1, 5);
+    struct Case {
+        const char* key;
+        bool parses;
+    } cases[] = {{"2026-01-05", true}, {"2026-1-5", true},  {"2026--01-05", true}, {"2026-01", false},
+                 {"abc", false},       {"", false},         {"2026-01-05-07", false}};
+    for (const auto& c : cases) {
+        const auto date = dateOfDayKey(c.key, calendar);
+        EXPECT_EQ(date.has_value(), c.parses) << c.key;
+        if (c.parses && date) {
+            EXPECT_EQ(*date, expected) << c.key;
+        }
+    }
+    // A day of 23 hours: the start of the next day is 23 hours later.
+    const auto springStart = dateOfDayKey("2026-03-08", calendar);
+    const auto nextStart = dateOfDayKey("2026-03-09", calendar);
+    ASSERT_TRUE(springStart && nextStart);
+    EXPECT_EQ(nextStart->secondsSince(*springStart), 23 * 3600.0);
+    EXPECT_EQ(calendar.startOfDayAdding(*springStart, 1), nextStart);
+}
+
+}  // namespace
+}  // namespace tallowen
