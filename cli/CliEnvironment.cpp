@@ -1,0 +1,47 @@
+#include "CliEnvironment.hpp"
+
+#include "app/SupportFolder.hpp"
+
+#include <cstdlib>
+#include <unistd.h>
+
+namespace tallowen::cli {
+namespace {
+
+std::optional<std::string> environmentVariable(const char* name) {
+    const char* value = std::getenv(name);
+    if (value == nullptr) return std::nullopt;
+    return std::string(value);
+}
+
+}  // namespace
+
+std::optional<EngineEnvironment> environmentFromOptions(const ParsedOptions& options, std::string& error) {
+    EngineEnvironment environment;
+    const auto home = options.value("--home").value_or(environmentVariable("HOME").value_or(""));
+    if (home.empty()) {
+        error = "no home folder: set HOME or pass --home DIR";
+        return std::nullopt;
+    }
+    std::error_code code;
+    if (!std::filesystem::is_directory(home, code) || ::access(home.c_str(), R_OK | X_OK) != 0) {
+        error = "cannot read the home folder " + home;
+        return std::nullopt;
+    }
+    environment.homeFolder = std::filesystem::absolute(home, code);
+    if (const auto data = options.value("--data")) {
+        environment.supportFolder = std::filesystem::absolute(*data, code);
+    } else {
+        environment.supportFolder = defaultSupportFolder(currentHostPlatform(), environment.homeFolder,
+                                                         environmentVariable("XDG_DATA_HOME"));
+    }
+    std::filesystem::create_directories(environment.supportFolder, code);
+    if (!std::filesystem::is_directory(environment.supportFolder, code)) {
+        error = "cannot create the data folder " + environment.supportFolder.string();
+        return std::nullopt;
+    }
+    environment.clock = systemClock();
+    return environment;
+}
+
+}  // namespace tallowen::cli
