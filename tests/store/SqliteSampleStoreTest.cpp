@@ -1,0 +1,65 @@
+#include "store/SqliteSampleStore.hpp"
+
+#include "store/SampleStoreConformance.hpp"
+#include "support/Samples.hpp"
+
+namespace tallowen::testing {
+namespace {
+
+INSTANTIATE_TEST_SUITE_P(
+    Sqlite, SampleStoreConformance,
+    ::testing::Values(SampleStoreFactory{
+        "Sqlite", [](const auto& path) { return std::make_unique<SqliteSampleStore>(path); },
+        [](const auto& path) { return std::make_unique<SqliteSampleStore>(path, SqliteSampleStore::Access::readOnly); }}),
+    [](const auto& param) { return param.param.name; });
+
+TEST(SqliteSampleStoreTest, RoundTripsDayRecordsExactly) {
+    TempDir dir;
+    const auto path = dir.path() / SqliteSampleStore::fileName;
+    DayRecord noted = DayRecord::created(Date{763650000.987654321});
+    noted.dayKey = "2025-03-14";
+    noted.count = -7;
+    noted.note = "fatigué, \"beaucoup\" codé";
+    noted.validatedAt = Date{763699999.000001};
+    noted.dayType = "vacances";
+    noted.extraPersonal = 9007199254740993;
+    const DayRecord defaults = DayRecord::created(Date{0.1});
+    {
+        SqliteSampleStore store(path);
+        EXPECT_EQ(store.insertDayRecord(noted), "DayRecord/p1");
+        store.insertDayRecord(defaults);
+        EXPECT_EQ(SqliteSampleStore(path).fetchDayRecords().size(), 0u);  // another reader is not blocked
+        store.save();
+    }
+    const auto records = SqliteSampleStore(path).fetchDayRecords();
+    const auto fields = [](const DayRecord& r) {
+        return std::tie(r.dayKey, r.count, r.updatedAt, r.note, r.validatedAt, r.dayType, r.extraPersonal);
+    };
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(fields(records[0]), fields(noted));
+    EXPECT_EQ(fields(records[1]), fields(defaults));
+}
+
+TEST(SqliteSampleStoreTest, FailuresCarrySqliteMessages) {
+    TempDir dir;
+    const auto message = [](const std::function<void()>& operation) -> std::string {
+        try {
+            operation();
+        } catch (const StoreError& error) {
+            return error.what();
+        }
+        return "no error";
+    };
+    SqliteSampleStore store(dir.path() / SqliteSampleStore::fileName);
+    EXPECT_EQ(store.insert(slotSample("2025-03-14", "codex", Date{0})), "UsageSample/p1");
+    for (const std::string bad : {"", "UsageSample/p", "UsageSample/p0", "UsageSample/p1x", "DayRecord/p1"})
+        EXPECT_EQ(message([&] { store.remove(bad); }), "invalid UsageSample identifier: " + bad);
+    EXPECT_EQ(message([&] { SqliteSampleStore(dir.path() / "missing" / "store.sqlite").count(); }),
+              "unable to open database file");
+    SqliteSampleStore junk(dir.write("junk.sqlite", std::string(2048, '\x7f')));
+    EXPECT_EQ(message([&] { junk.fetchAll(); }), "file is not a database");
+    EXPECT_EQ(message([&] { junk.fetchAll(); }), "file is not a database");
+}
+
+}  // namespace
+}  // namespace tallowen::testing
