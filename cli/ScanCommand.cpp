@@ -83,6 +83,8 @@ std::string tableReport(const LogReadOutcome& outcome) {
                       sample.inputTokens, sample.outputTokens, dollarsText(sample.estimatedCostCents).c_str(),
                       sample.estimatedWaterMilliliters, quotaText(sample).c_str());
         text += line;
+        // A row without a quota would end in blanks.
+        while (text.size() > 1 && text[text.size() - 2] == ' ') text.erase(text.size() - 2, 1);
     }
     std::snprintf(line, sizeof line, "\nfiles read: %" PRId64 ", reused: %" PRId64, outcome.counters.filesRead,
                   outcome.counters.filesReused);

@@ -45,7 +45,10 @@ struct CountingReader {
                 int output = 0;
                 double percent = 0;
                 if (std::sscanf(text.c_str(), "quota %lld %lf", &seconds, &percent) == 2) {
-                    keepLaterQuota(reading.quota, QuotaSnapshot{Date::fromUnixSeconds(double(seconds)), percent});
+                    QuotaSnapshot snapshot;
+                    snapshot.at = Date::fromUnixSeconds(double(seconds));
+                    snapshot.primaryPercent = percent;
+                    keepLaterQuota(reading.quota, snapshot);
                 } else if (std::sscanf(text.c_str(), "%lld %d %d", &seconds, &input, &output) == 3) {
                     reading.events.push_back(UsageEvent{Date::fromUnixSeconds(double(seconds)), input, output, 1, 1});
                 }
@@ -132,8 +135,8 @@ TEST_F(LogFolderScannerTest, OnlyAChangeOfSizeOrTimeMakesAFileReadAgain) {
     EXPECT_EQ(result.counters.filesReused, 1);
     EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 100);
 
-    // One nanosecond later is a change.
-    setModificationTime(path, 1741950000, 123456790);
+    // One microsecond later is a change (a date holds about a tenth of a microsecond).
+    setModificationTime(path, 1741950000, 123457789);
     result = scanFolder();
     EXPECT_EQ(counting.filesRead, 2);
     EXPECT_EQ(result.counters.filesRead, 1);
@@ -141,7 +144,7 @@ TEST_F(LogFolderScannerTest, OnlyAChangeOfSizeOrTimeMakesAFileReadAgain) {
 
     // So is a new size at the same time.
     home.write("projects/s.jsonl", eventLine(morning, 900, 90) + eventLine(morning.addingSeconds(60), 1, 1));
-    setModificationTime(path, 1741950000, 123456790);
+    setModificationTime(path, 1741950000, 123457789);
     result = scanFolder();
     EXPECT_EQ(counting.filesRead, 3);
     EXPECT_EQ(result.days->at("2025-03-14").requests, 2);
@@ -182,6 +185,27 @@ TEST_F(LogFolderScannerTest, AnUnreadableFileKeepsItsOldEntryAndIsReadOnceReadab
     result = scanFolder();
     EXPECT_EQ(result.counters.filesRead, 1);
     EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 501);
+}
+
+TEST_F(LogFolderScannerTest, AFileThatVanishesMidScanKeepsItsOldEntry) {
+    const Date morning = localDate(2025, 3, 14, 10);
+    home.write("projects/a.jsonl", eventLine(morning, 1, 1));
+    const auto later = home.write("projects/b.jsonl", eventLine(morning, 100, 10));
+    scanFolder();
+    const FileEntry before = state.files.at(later.string());
+
+    // Both files change; b disappears while a is being read, after the folder was listed.
+    home.write("projects/a.jsonl", eventLine(morning, 2, 2) + eventLine(morning, 3, 3));
+    home.write("projects/b.jsonl", eventLine(morning, 200, 20) + eventLine(morning, 300, 30));
+    const LogFileReader inner = counting.reader();
+    const FolderScan result = scan(folder(), state, [&](std::string_view bytes) {
+        std::filesystem::remove(later);
+        return inner(bytes);
+    }, calendar);
+    EXPECT_EQ(result.counters.filesRead, 1);
+    EXPECT_EQ(result.counters.filesUnreadable, 1);
+    EXPECT_EQ(state.files.at(later.string()), before);
+    EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 5);
 }
 
 TEST_F(LogFolderScannerTest, ASavedAndReloadedStateMakesAWarmRunThatReadsNothing) {
