@@ -111,7 +111,8 @@ TEST_F(UsageImporterTest, ARunWritesTheLogsAndActivationsAndPublishesTodaysFigur
 
     const ImportRunReport report = importer.runImport();
     EXPECT_EQ(report.outcome, Outcome::completed);
-    EXPECT_EQ(report.detectedTools, (std::vector<UsageTool>{UsageTool::claudeCode, UsageTool::codex, UsageTool::macChatGPT}));
+    EXPECT_EQ(report.detectedTools,
+              (std::vector<UsageTool>{UsageTool::claudeCode, UsageTool::codex, UsageTool::macChatGPT}));
     EXPECT_EQ(importer.detectedTools(), report.detectedTools);
     EXPECT_EQ(report.samplesInserted, 2);
     EXPECT_EQ(report.samplesUpdated + report.samplesUnchanged + report.duplicatesRemoved, 0);

@@ -51,7 +51,8 @@ TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierText) {
 }
 
 TEST(OneSamplePerSlotTest, AnIdenticalIdentifierKeepsTheSampleHeld) {
-    const auto kept = oneSamplePerSlot({sample("2025-03-14", "codex", 10, "a", 1), sample("2025-03-14", "codex", 10, "a", 2)});
+    const auto kept =
+        oneSamplePerSlot({sample("2025-03-14", "codex", 10, "a", 1), sample("2025-03-14", "codex", 10, "a", 2)});
     ASSERT_EQ(kept.size(), 1u);
     EXPECT_EQ(kept.front().requests, 1);
 }

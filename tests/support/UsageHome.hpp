@@ -27,7 +27,8 @@ inline void writeUsageHome(const TempDir& scratch, const std::filesystem::path& 
                   R"("usage":{"input_tokens":400,"output_tokens":90}}})"
                   "\n");
     scratch.write(relative / ".codex/sessions/2025/03/14/rollout-x.jsonl",
-                  R"({"timestamp":"2025-03-14T10:00:00Z","type":"event_msg","payload":{"type":"thread_settings_applied",)"
+                  R"({"timestamp":"2025-03-14T10:00:00Z","type":"event_msg",)"
+                  R"("payload":{"type":"thread_settings_applied",)"
                   R"("thread_settings":{"model":"gpt-5"}}})"
                   "\n"
                   R"({"timestamp":"2025-03-14T10:05:00Z","type":"event_msg","payload":{"type":"token_count","info":)"
