@@ -1,6 +1,8 @@
 #include "summary/OneSamplePerSlot.hpp"
 
+#include <algorithm>
 #include <functional>
+#include <tuple>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -44,8 +46,13 @@ std::vector<UsageSample> oneSamplePerSlot(const std::vector<UsageSample>& sample
     std::vector<const UsageSample*> all;
     all.reserve(samples.size());
     for (const UsageSample& sample : samples) all.push_back(&sample);
+    std::vector<const UsageSample*> keepers = oneSamplePerSlot(all);
+    std::sort(keepers.begin(), keepers.end(), [](const UsageSample* a, const UsageSample* b) {
+        return std::tie(a->dayKey, a->tool) < std::tie(b->dayKey, b->tool);
+    });
     std::vector<UsageSample> result;
-    for (const UsageSample* keeper : oneSamplePerSlot(all)) result.push_back(*keeper);
+    result.reserve(keepers.size());
+    for (const UsageSample* keeper : keepers) result.push_back(*keeper);
     return result;
 }
 

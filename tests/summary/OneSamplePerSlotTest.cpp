@@ -1,42 +1,63 @@
 #include "summary/OneSamplePerSlot.hpp"
-#include "support/SampleBuilder.hpp"
 
 #include <gtest/gtest.h>
 
 namespace tallowen {
 namespace {
 
-using testing::SampleBuilder;
-
-UsageSample stamped(const char* day, const char* tool, double updatedAt, const char* id, int64_t water) {
-    return SampleBuilder(day, tool).updatedAt(Date{updatedAt}).id(id).water(water);
+UsageSample sample(const char* day, const char* tool, double updatedAt, const char* id, int64_t requests = 0) {
+    UsageSample s;
+    s.dayKey = day;
+    s.tool = tool;
+    s.updatedAt = Date{updatedAt};
+    s.persistentId = id;
+    s.requests = requests;
+    return s;
 }
 
-// The water of each kept sample, in the order of the slots' first appearance.
-std::vector<int64_t> keptWater(const std::vector<UsageSample>& samples) {
-    std::vector<int64_t> water;
-    for (const UsageSample& sample : oneSamplePerSlot(samples)) water.push_back(sample.estimatedWaterMilliliters);
-    return water;
+std::vector<std::string> keptIds(const std::vector<UsageSample>& samples) {
+    std::vector<std::string> ids;
+    for (const auto& s : oneSamplePerSlot(samples)) ids.push_back(s.persistentId);
+    return ids;
 }
 
-TEST(OneSamplePerSlotTest, LaterUpdateThenFirstIdentifierWinsWhateverTheOrder) {
-    const struct {
+TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierText) {
+    struct Case {
+        const char* name;
         std::vector<UsageSample> samples;
-        std::vector<int64_t> kept;
-    } cases[] = {
-        {{stamped("d", "codex", 10, "b", 1), stamped("d", "codex", 20, "c", 2)}, {2}},
-        {{stamped("d", "codex", 20, "c", 2), stamped("d", "codex", 10, "a", 1)}, {2}},
-        // Identifiers compare as text: "x-10" sorts before "x-2".
-        {{stamped("d", "codex", 10, "x-2", 1), stamped("d", "codex", 10, "x-10", 2)}, {2}},
-        {{stamped("d", "codex", 10, "x-10", 2), stamped("d", "codex", 10, "x-2", 1)}, {2}},
-        {{stamped("d", "codex", 10, "same", 1), stamped("d", "codex", 10, "same", 2)}, {1}},
-        // Slots are day and tool together; texts that would meet once joined stay apart.
-        {{stamped("d", "codex", 1, "a", 1), stamped("d", "cursor", 1, "a", 2), stamped("e", "codex", 1, "a", 3),
-          stamped("d|codex", "", 1, "a", 4), stamped("d", "|codex", 1, "a", 5), stamped("d", "codex", 2, "a", 6)},
-         {6, 2, 3, 4, 5}},
-        {{}, {}},
+        std::vector<std::string> kept;
     };
-    for (size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(keptWater(cases[i].samples), cases[i].kept) << "case " << i;
+    const std::vector<Case> cases = {
+        {"later updatedAt wins in either order",
+         {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 11, "b")},
+         {"b"}},
+        {"later updatedAt wins in either order (reversed)",
+         {sample("2025-03-14", "codex", 11, "b"), sample("2025-03-14", "codex", 10, "a")},
+         {"b"}},
+        {"tie: identifier text sorting first, by code points",
+         {sample("2025-03-14", "codex", 10, "x-10"), sample("2025-03-14", "codex", 10, "x-9"),
+          sample("2025-03-14", "codex", 10, "X-99")},
+         {"X-99"}},
+        {"slots are day and tool, unknown tools included, sorted by day then tool",
+         {sample("2025-03-15", "codex", 1, "1"), sample("2025-03-14", "phone-new-tool", 1, "2"),
+          sample("2025-03-14", "codex", 1, "3"), sample("2025-03-14", "claude-code", 1, "4")},
+         {"4", "3", "2", "1"}},
+        {"day and tool stay apart even where their joined texts would meet",
+         {sample("d", "codex", 1, "1"), sample("d|codex", "", 1, "2"), sample("d", "|codex", 1, "3")},
+         {"1", "3", "2"}},
+        {"nothing", {}, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(keptIds(c.samples), c.kept);
+    }
+}
+
+TEST(OneSamplePerSlotTest, AnIdenticalIdentifierKeepsTheSampleHeld) {
+    const auto kept =
+        oneSamplePerSlot({sample("2025-03-14", "codex", 10, "a", 1), sample("2025-03-14", "codex", 10, "a", 2)});
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_EQ(kept.front().requests, 1);
 }
 
 }  // namespace
