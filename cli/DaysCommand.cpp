@@ -1,6 +1,7 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
+#include "PlainText.hpp"
 #include "SampleJson.hpp"
 #include "TerminalImporter.hpp"
 
@@ -46,15 +47,6 @@ std::string jsonReport(const std::vector<UsageSample>& samples) {
     json.endArray();
     json.endObject();
     return json.take() + "\n";
-}
-
-std::string dollarsText(int64_t cents) {
-    const bool negative = cents < 0;
-    const uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(cents) : static_cast<uint64_t>(cents);
-    char buffer[40];
-    std::snprintf(buffer, sizeof buffer, "%s%" PRIu64 ".%02" PRIu64, negative ? "-" : "", magnitude / 100,
-                  magnitude % 100);
-    return buffer;
 }
 
 std::string tableReport(const std::vector<UsageSample>& samples) {

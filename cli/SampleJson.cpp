@@ -16,27 +16,6 @@ void writeDate(JsonWriter& json, std::string_view key, const std::optional<Date>
 
 }  // namespace
 
-UsageSample sampleOfDay(std::string_view dayKey, UsageTool tool, const DayUsage& day) {
-    UsageSample sample;
-    sample.dayKey = dayKey;
-    sample.tool = rawValue(tool);
-    sample.sessions = static_cast<int64_t>(day.sessions.size());
-    sample.requests = day.requests;
-    sample.inputTokens = day.inputTokens;
-    sample.outputTokens = day.outputTokens;
-    sample.episodeHours = day.episodeHours;
-    sample.estimatedCostCents = day.costCents;
-    sample.estimatedWaterMilliliters = day.waterMilliliters;
-    if (day.quota) {
-        sample.quotaPrimaryPercent = day.quota->primaryPercent;
-        sample.quotaPrimaryResetAt = day.quota->primaryResetAt;
-        sample.quotaSecondaryPercent = day.quota->secondaryPercent;
-        sample.quotaSecondaryResetAt = day.quota->secondaryResetAt;
-        sample.quotaPlan = day.quota->plan;
-    }
-    return sample;
-}
-
 void writeSampleJson(JsonWriter& json, const UsageSample& sample, bool withUpdatedAt) {
     json.beginObject();
     json.key("dayKey").string(sample.dayKey);

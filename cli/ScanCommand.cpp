@@ -1,8 +1,10 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
+#include "PlainText.hpp"
 #include "SampleJson.hpp"
 
+#include "import/DaySample.hpp"
 #include "import/ImportStateFile.hpp"
 #include "model/JsonWriter.hpp"
 #include "readers/UsageReaders.hpp"
@@ -20,7 +22,7 @@ namespace {
 std::vector<UsageSample> samplesOf(const ToolResults& results) {
     std::vector<UsageSample> samples;
     for (const auto& [tool, days] : results)
-        for (const auto& [key, day] : days) samples.push_back(sampleOfDay(key, tool, day));
+        for (const auto& [key, day] : days) samples.push_back(tallowen::sampleOfDay(key, tool, day));
     std::sort(samples.begin(), samples.end(), [](const UsageSample& a, const UsageSample& b) {
         return a.dayKey != b.dayKey ? a.dayKey < b.dayKey : a.tool < b.tool;
     });
@@ -52,16 +54,6 @@ std::string quotaText(const UsageSample& sample) {
     std::string text = percentText(sample.quotaPrimaryPercent) + " / " + percentText(sample.quotaSecondaryPercent);
     if (sample.quotaPlan) text += " " + *sample.quotaPlan;
     return text;
-}
-
-std::string dollarsText(int64_t cents) {
-    const bool negative = cents < 0;
-    // Unsigned, so that the most negative count has a magnitude too.
-    const uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(cents) : static_cast<uint64_t>(cents);
-    char buffer[40];
-    std::snprintf(buffer, sizeof buffer, "%s%" PRIu64 ".%02" PRIu64, negative ? "-" : "", magnitude / 100,
-                  magnitude % 100);
-    return buffer;
 }
 
 std::string tableReport(const LogReadOutcome& outcome) {

@@ -1,5 +1,6 @@
 #include "import/SampleWriter.hpp"
 
+#include "import/DaySample.hpp"
 #include "import/DuplicatePurge.hpp"
 
 #include <unordered_map>
@@ -48,23 +49,6 @@ bool dayMatches(const UsageSample& stored, const DayUsage& day) {
            (!day.quota || quotaMatches(stored, *day.quota));
 }
 
-// Copies the day's figures; the quota fields only when the day has a quota,
-// each absent value of the snapshot clearing the stored one.
-void copyDay(UsageSample& sample, const DayUsage& day) {
-    sample.sessions = static_cast<int64_t>(day.sessions.size());
-    sample.requests = day.requests;
-    sample.inputTokens = day.inputTokens;
-    sample.outputTokens = day.outputTokens;
-    sample.episodeHours = day.episodeHours;
-    sample.estimatedCostCents = day.costCents;
-    sample.estimatedWaterMilliliters = day.waterMilliliters;
-    if (!day.quota) return;
-    sample.quotaPrimaryPercent = day.quota->primaryPercent;
-    sample.quotaPrimaryResetAt = day.quota->primaryResetAt;
-    sample.quotaSecondaryPercent = day.quota->secondaryPercent;
-    sample.quotaSecondaryResetAt = day.quota->secondaryResetAt;
-    sample.quotaPlan = day.quota->plan;
-}
 
 void writeResults(SampleStore& store, const ToolResults& results, Date now,
                   std::unordered_map<std::string, UsageSample>& index, SampleWriteOutcome& outcome) {
@@ -78,7 +62,7 @@ void writeResults(SampleStore& store, const ToolResults& results, Date now,
                     ++outcome.unchanged;
                     continue;
                 }
-                copyDay(stored, day);
+                copyDayIntoSample(stored, day);
                 stored.updatedAt = now;
                 store.update(stored);
                 ++outcome.updated;
@@ -86,7 +70,7 @@ void writeResults(SampleStore& store, const ToolResults& results, Date now,
                 UsageSample sample = UsageSample::created(now);
                 sample.dayKey = dayKey;
                 sample.tool = toolText;
-                copyDay(sample, day);
+                copyDayIntoSample(sample, day);
                 store.insert(sample);
                 ++outcome.inserted;
             }

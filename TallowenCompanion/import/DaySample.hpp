@@ -1,0 +1,19 @@
+#pragma once
+
+#include "import/ImportState.hpp"
+#include "model/UsageSample.hpp"
+#include "model/UsageTool.hpp"
+
+#include <string_view>
+
+namespace tallowen {
+
+// Copies a day's figures into its sample: the session set counted, cost and
+// water under their stored names, and the quota fields only when the day has a
+// quota, each absent value of the snapshot clearing the stored one.
+void copyDayIntoSample(UsageSample& sample, const DayUsage& day);
+
+// The sample that one tool's day stands for.
+UsageSample sampleOfDay(std::string_view dayKey, UsageTool tool, const DayUsage& day);
+
+}  // namespace tallowen
