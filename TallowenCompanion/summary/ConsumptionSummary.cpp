@@ -5,7 +5,6 @@
 #include "summary/OneSamplePerSlot.hpp"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <unordered_set>
 
@@ -32,28 +31,6 @@ std::string reliableStartKey(std::vector<std::string> activeKeys, const LocalCal
         --candidate;
     }
     return activeKeys[candidate];
-}
-
-// Per tool, the quota-carrying sample with the latest `updatedAt` (the first
-// met on a tie), fresh enough to show, sorted stably by display label.
-std::vector<ToolQuota> latestQuotas(const std::vector<UsageSample>& samples, Date now) {
-    std::array<const UsageSample*, allUsageTools.size()> latest{};
-    for (const UsageSample& sample : samples) {
-        if (!sample.hasQuota()) continue;
-        const std::optional<UsageTool> tool = usageToolFromRawValue(sample.tool);
-        if (!tool) continue;
-        const UsageSample*& held = latest[static_cast<size_t>(*tool)];
-        if (held == nullptr || sample.updatedAt > held->updatedAt) held = &sample;
-    }
-    const Date oldestShown = now.addingSeconds(-quotaFreshnessSeconds);
-    std::vector<ToolQuota> quotas;
-    for (const UsageTool tool : allUsageTools) {
-        const UsageSample* held = latest[static_cast<size_t>(tool)];
-        if (held != nullptr && !(held->updatedAt < oldestShown)) quotas.push_back(ToolQuota{tool, *held});
-    }
-    std::stable_sort(quotas.begin(), quotas.end(),
-                     [](const ToolQuota& a, const ToolQuota& b) { return displayLabelLess(a.tool, b.tool); });
-    return quotas;
 }
 
 }  // namespace
@@ -112,7 +89,9 @@ ConsumptionSummary computeConsumptionSummary(const std::vector<UsageSample>& sam
             static_cast<int64_t>(pastWaterDayKeys.size());
     }
 
-    summary.quotas = latestQuotas(kept, now);
+    summary.quotas = latestFreshQuotas(kept, now);
+    std::stable_sort(summary.quotas.begin(), summary.quotas.end(),
+                     [](const ToolQuota& a, const ToolQuota& b) { return displayLabelLess(a.tool, b.tool); });
     const bool claudeCodeHasSamples = std::any_of(kept.begin(), kept.end(), [](const UsageSample& sample) {
         return sample.tool == rawValue(UsageTool::claudeCode);
     });

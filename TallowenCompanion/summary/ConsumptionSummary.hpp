@@ -4,18 +4,13 @@
 #include "model/LocalCalendar.hpp"
 #include "model/UsageSample.hpp"
 #include "model/UsageTool.hpp"
+#include "summary/LatestQuotas.hpp"
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace tallowen {
-
-// A tool and the sample that carries its latest quota figures.
-struct ToolQuota {
-    UsageTool tool = UsageTool::claudeCode;
-    UsageSample sample;
-};
 
 // What the menu shows about this computer's own use, folded from the stored
 // samples over a trailing window of days. Computed afresh on every redraw.
@@ -50,8 +45,6 @@ struct ConsumptionSummary {
 ConsumptionSummary computeConsumptionSummary(const std::vector<UsageSample>& samples, int days, Date now,
                                              const LocalCalendar& calendar);
 
-// How long a quota reading stays worth showing.
-inline constexpr double quotaFreshnessSeconds = 691200.0;  // 8 days
 // The longest pause between two measured days that keeps a stretch unbroken.
 inline constexpr double reliableStretchGapSeconds = 2592000.0;  // 30 days
 

@@ -8,44 +8,35 @@ namespace {
 
 using testing::SampleBuilder;
 
-UsageSample codexOn(const char* day, double updatedAt, const char* id, int64_t water) {
-    return SampleBuilder(day, "codex").updatedAt(Date{updatedAt}).id(id).water(water);
+UsageSample stamped(const char* day, const char* tool, double updatedAt, const char* id, int64_t water) {
+    return SampleBuilder(day, tool).updatedAt(Date{updatedAt}).id(id).water(water);
+}
+
+// The water of each kept sample, in the order of the slots' first appearance.
+std::vector<int64_t> keptWater(const std::vector<UsageSample>& samples) {
+    std::vector<int64_t> water;
+    for (const UsageSample& sample : oneSamplePerSlot(samples)) water.push_back(sample.estimatedWaterMilliliters);
+    return water;
 }
 
 TEST(OneSamplePerSlotTest, LaterUpdateThenFirstIdentifierWinsWhateverTheOrder) {
-    struct Case {
-        const char* name;
+    const struct {
         std::vector<UsageSample> samples;
-        int64_t keptWater;
+        std::vector<int64_t> kept;
     } cases[] = {
-        {"later update, met last", {codexOn("2026-03-01", 10, "b", 1), codexOn("2026-03-01", 20, "c", 2)}, 2},
-        {"later update, met first", {codexOn("2026-03-01", 20, "c", 2), codexOn("2026-03-01", 10, "a", 1)}, 2},
-        {"tie, smaller id met last", {codexOn("2026-03-01", 10, "x-2", 1), codexOn("2026-03-01", 10, "x-10", 2)}, 2},
-        {"tie, smaller id met first", {codexOn("2026-03-01", 10, "x-10", 2), codexOn("2026-03-01", 10, "x-2", 1)}, 2},
-        {"identical id keeps the held one", {codexOn("2026-03-01", 10, "same", 1), codexOn("2026-03-01", 10, "same", 2)}, 1},
+        {{stamped("d", "codex", 10, "b", 1), stamped("d", "codex", 20, "c", 2)}, {2}},
+        {{stamped("d", "codex", 20, "c", 2), stamped("d", "codex", 10, "a", 1)}, {2}},
+        // Identifiers compare as text: "x-10" sorts before "x-2".
+        {{stamped("d", "codex", 10, "x-2", 1), stamped("d", "codex", 10, "x-10", 2)}, {2}},
+        {{stamped("d", "codex", 10, "x-10", 2), stamped("d", "codex", 10, "x-2", 1)}, {2}},
+        {{stamped("d", "codex", 10, "same", 1), stamped("d", "codex", 10, "same", 2)}, {1}},
+        // Slots are day and tool together; texts that would meet once joined stay apart.
+        {{stamped("d", "codex", 1, "a", 1), stamped("d", "cursor", 1, "a", 2), stamped("e", "codex", 1, "a", 3),
+          stamped("d|codex", "", 1, "a", 4), stamped("d", "|codex", 1, "a", 5), stamped("d", "codex", 2, "a", 6)},
+         {6, 2, 3, 4, 5}},
+        {{}, {}},
     };
-    for (const Case& c : cases) {
-        const std::vector<UsageSample> kept = oneSamplePerSlot(c.samples);
-        ASSERT_EQ(kept.size(), 1u) << c.name;
-        EXPECT_EQ(kept[0].estimatedWaterMilliliters, c.keptWater) << c.name;
-    }
-}
-
-TEST(OneSamplePerSlotTest, SlotsAreDayAndToolTogether) {
-    const std::vector<UsageSample> samples = {
-        codexOn("2026-03-01", 1, "a", 1),
-        SampleBuilder("2026-03-01", "cursor").water(2),
-        codexOn("2026-03-02", 1, "b", 3),
-        codexOn("2026-03-01", 5, "c", 4),
-        // A day key and a tool that would meet in a joined text stay apart.
-        SampleBuilder("2026-03-01|codex", "").water(5),
-        SampleBuilder("2026-03-01", "|codex").water(6),
-    };
-    const std::vector<UsageSample> kept = oneSamplePerSlot(samples);
-    std::vector<int64_t> water;
-    for (const UsageSample& sample : kept) water.push_back(sample.estimatedWaterMilliliters);
-    EXPECT_EQ(water, (std::vector<int64_t>{4, 2, 3, 5, 6}));
-    EXPECT_TRUE(oneSamplePerSlot({}).empty());
+    for (size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(keptWater(cases[i].samples), cases[i].kept) << "case " << i;
 }
 
 }  // namespace

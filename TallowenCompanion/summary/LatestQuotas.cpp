@@ -1,0 +1,26 @@
+#include "summary/LatestQuotas.hpp"
+
+#include <array>
+#include <optional>
+
+namespace tallowen {
+
+std::vector<ToolQuota> latestFreshQuotas(const std::vector<UsageSample>& samples, Date now) {
+    std::array<const UsageSample*, allUsageTools.size()> latest{};
+    for (const UsageSample& sample : samples) {
+        if (!sample.hasQuota()) continue;
+        const std::optional<UsageTool> tool = usageToolFromRawValue(sample.tool);
+        if (!tool) continue;
+        const UsageSample*& held = latest[static_cast<size_t>(*tool)];
+        if (held == nullptr || sample.updatedAt > held->updatedAt) held = &sample;
+    }
+    const Date oldestShown = now.addingSeconds(-quotaFreshnessSeconds);
+    std::vector<ToolQuota> quotas;
+    for (const UsageTool tool : allUsageTools) {
+        const UsageSample* held = latest[static_cast<size_t>(tool)];
+        if (held != nullptr && !(held->updatedAt < oldestShown)) quotas.push_back(ToolQuota{tool, *held});
+    }
+    return quotas;
+}
+
+}  // namespace tallowen
