@@ -48,4 +48,46 @@ std::string spread(std::string_view left, std::string_view right, int width) {
     return std::string(left) + spaces(gap < 1 ? 1 : gap) + std::string(right);
 }
 
+std::vector<std::string> wrapText(std::string_view text, int width) {
+    std::vector<std::string> lines;
+    std::string line;
+    int lineWidth = 0;
+    const auto flush = [&] {
+        lines.push_back(std::move(line));
+        line.clear();
+        lineWidth = 0;
+    };
+    size_t start = 0;
+    while (start <= text.size()) {
+        size_t end = text.find(' ', start);
+        if (end == std::string_view::npos) end = text.size();
+        std::string_view word = text.substr(start, end - start);
+        start = end + 1;
+        if (word.empty()) continue;
+        const int wordWidth = displayWidth(word);
+        if (lineWidth > 0 && lineWidth + 1 + wordWidth <= width) {
+            line += ' ';
+            line += word;
+            lineWidth += 1 + wordWidth;
+            continue;
+        }
+        if (lineWidth > 0) flush();
+        // A word wider than the line goes out in pieces of whole characters.
+        const auto* bytes = reinterpret_cast<const uint8_t*>(word.data());
+        const auto length = static_cast<int32_t>(word.size());
+        int32_t at = 0;
+        while (at < length) {
+            const int32_t from = at;
+            UChar32 c = 0;
+            U8_NEXT(bytes, at, length, c);
+            const int characterWidth = codePointWidth(c);
+            if (lineWidth > 0 && lineWidth + characterWidth > width) flush();
+            line.append(word.substr(static_cast<size_t>(from), static_cast<size_t>(at - from)));
+            lineWidth += characterWidth;
+        }
+    }
+    if (lineWidth > 0 || lines.empty()) flush();
+    return lines;
+}
+
 }  // namespace tallowen::cli

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tallowen::cli {
 
@@ -17,5 +18,9 @@ std::string padRight(std::string_view text, int width);
 std::string padLeft(std::string_view text, int width);
 // `left`, then `right` flush with column `width`, at least one space between.
 std::string spread(std::string_view left, std::string_view right, int width);
+
+// Breaks plain text (no escape sequences) into lines of at most `width`
+// columns at spaces; a word wider than a line is cut between characters.
+std::vector<std::string> wrapText(std::string_view text, int width);
 
 }  // namespace tallowen::cli
