@@ -1,12 +1,125 @@
+#include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "Options.hpp"
+#include "SampleJson.hpp"
 
+#include "import/ImportStateFile.hpp"
+#include "model/JsonWriter.hpp"
+#include "readers/UsageReaders.hpp"
+
+#include <algorithm>
+#include <cinttypes>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 namespace tallowen::cli {
+namespace {
 
-int runScanCommand(const std::vector<std::string>&) {
-    std::fputs("tallowen: scan: not built yet\n", stderr);
-    return 2;
+// The run's samples, one per day and tool, by day key then tool raw value.
+std::vector<UsageSample> samplesOf(const ToolResults& results) {
+    std::vector<UsageSample> samples;
+    for (const auto& [tool, days] : results)
+        for (const auto& [key, day] : days) samples.push_back(sampleOfDay(key, tool, day));
+    std::sort(samples.begin(), samples.end(), [](const UsageSample& a, const UsageSample& b) {
+        return a.dayKey != b.dayKey ? a.dayKey < b.dayKey : a.tool < b.tool;
+    });
+    return samples;
+}
+
+std::string jsonReport(const LogReadOutcome& outcome) {
+    JsonWriter json;
+    json.beginObject();
+    json.key("detected").beginArray();
+    for (const UsageTool tool : outcome.detected) json.string(rawValue(tool));
+    json.endArray();
+    json.key("samples").beginArray();
+    for (const UsageSample& sample : samplesOf(outcome.results)) writeSampleJson(json, sample, false);
+    json.endArray();
+    json.endObject();
+    return json.take();
+}
+
+std::string percentText(const std::optional<double>& percent) {
+    if (!percent) return "-";
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.0f%%", *percent);
+    return buffer;
+}
+
+std::string quotaText(const UsageSample& sample) {
+    if (!sample.quotaPrimaryPercent && !sample.quotaSecondaryPercent && !sample.quotaPlan) return "";
+    std::string text = percentText(sample.quotaPrimaryPercent) + " / " + percentText(sample.quotaSecondaryPercent);
+    if (sample.quotaPlan) text += " " + *sample.quotaPlan;
+    return text;
+}
+
+std::string dollarsText(int64_t cents) {
+    const bool negative = cents < 0;
+    // Unsigned, so that the most negative count has a magnitude too.
+    const uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(cents) : static_cast<uint64_t>(cents);
+    char buffer[40];
+    std::snprintf(buffer, sizeof buffer, "%s%" PRIu64 ".%02" PRIu64, negative ? "-" : "", magnitude / 100,
+                  magnitude % 100);
+    return buffer;
+}
+
+std::string tableReport(const LogReadOutcome& outcome) {
+    std::string text = "detected:";
+    for (const UsageTool tool : outcome.detected) {
+        text += ' ';
+        text += rawValue(tool);
+    }
+    if (outcome.detected.empty()) text += " none";
+    text += "\n\n";
+    char line[512];
+    std::snprintf(line, sizeof line, "%-10s  %-11s  %8s  %8s  %12s  %12s  %10s  %9s  %s\n", "day", "tool", "sessions",
+                  "requests", "input", "output", "cost $", "water ml", "quota");
+    text += line;
+    for (const UsageSample& sample : samplesOf(outcome.results)) {
+        std::snprintf(line, sizeof line,
+                      "%-10s  %-11s  %8" PRId64 "  %8" PRId64 "  %12" PRId64 "  %12" PRId64 "  %10s  %9" PRId64 "  %s\n",
+                      sample.dayKey.c_str(), sample.tool.c_str(), sample.sessions, sample.requests,
+                      sample.inputTokens, sample.outputTokens, dollarsText(sample.estimatedCostCents).c_str(),
+                      sample.estimatedWaterMilliliters, quotaText(sample).c_str());
+        text += line;
+        // A row without a quota would end in blanks.
+        while (text.size() > 1 && text[text.size() - 2] == ' ') text.erase(text.size() - 2, 1);
+    }
+    std::snprintf(line, sizeof line, "\nfiles read: %" PRId64 ", reused: %" PRId64, outcome.counters.filesRead,
+                  outcome.counters.filesReused);
+    text += line;
+    if (outcome.counters.filesUnreadable > 0) {
+        std::snprintf(line, sizeof line, ", unreadable: %" PRId64, outcome.counters.filesUnreadable);
+        text += line;
+    }
+    text += '\n';
+    return text;
+}
+
+}  // namespace
+
+int runScanCommand(const std::vector<std::string>& arguments) {
+    std::string error;
+    const auto options = parseOptions(arguments, {"--home", "--data"}, {"--json"}, error);
+    if (!options) {
+        std::fprintf(stderr, "tallowen: scan: %s\n", error.c_str());
+        return 2;
+    }
+    const auto environment = environmentFromOptions(*options, error);
+    if (!environment) {
+        std::fprintf(stderr, "tallowen: scan: %s\n", error.c_str());
+        return 1;
+    }
+    const ImportStateFile stateFile(environment->supportFolder);
+    ImportState state = stateFile.load();
+    const LogReadOutcome outcome = readAllLogs(environment->homeFolder, state, environment->calendar);
+    // A failed save only means the next scan reads the files again.
+    stateFile.save(state);
+
+    const std::string report = options->has("--json") ? jsonReport(outcome) + "\n" : tableReport(outcome);
+    std::fwrite(report.data(), 1, report.size(), stdout);
+    return 0;
 }
 
 }  // namespace tallowen::cli

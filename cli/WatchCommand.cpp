@@ -1,12 +1,79 @@
+#include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "Options.hpp"
+#include "TerminalImporter.hpp"
+#include "WatchStatus.hpp"
 
+#include "app/ImportScheduler.hpp"
+
+#include <csignal>
 #include <cstdio>
+#include <ctime>
+#include <time.h>
+#include <unistd.h>
 
 namespace tallowen::cli {
+namespace {
 
-int runWatchCommand(const std::vector<std::string>&) {
-    std::fputs("tallowen: watch: not built yet\n", stderr);
-    return 2;
+// Set by the signal handler, read by the loop: the one thing a handler may
+// touch, so it has to live outside any object.
+volatile std::sig_atomic_t stopRequested = 0;
+
+extern "C" void requestStop(int) { stopRequested = 1; }
+
+// Ctrl-C and SIGTERM ask the loop to stop; a second one ends the process at
+// once (the store is left as its last saved state).
+void installStopHandlers() {
+    struct sigaction action {};
+    action.sa_handler = requestStop;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESETHAND;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
+void sleepBriefly() {
+    const timespec step{0, 100'000'000};
+    // An interrupting signal simply ends the nap early.
+    nanosleep(&step, nullptr);
+}
+
+}  // namespace
+
+int runWatchCommand(const std::vector<std::string>& arguments) {
+    std::string error;
+    const auto options = parseOptions(arguments, {"--home", "--data"}, {}, error);
+    if (!options) {
+        std::fprintf(stderr, "tallowen: watch: %s\n", error.c_str());
+        return 2;
+    }
+    const auto environment = environmentFromOptions(*options, error);
+    if (!environment) {
+        std::fprintf(stderr, "tallowen: watch: %s\n", error.c_str());
+        return 1;
+    }
+    installStopHandlers();
+
+    TerminalImporter terminal(*environment);
+    UsageImporter& importer = terminal.importer();
+    WatchStatusView view(stdout, ::isatty(STDOUT_FILENO) == 1);
+    // Console lines of the engine would break the in-place status.
+    importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+
+    ImportScheduler scheduler;
+    bool requested = scheduler.start(environment->clock());
+    while (!stopRequested) {
+        // A request while a run is under way is dropped by the importer.
+        if (requested) importer.startImport();
+        requested = false;
+        if (importer.finishImportIfReady()) view.draw(importer, std::time(nullptr));
+        sleepBriefly();
+        requested = scheduler.tick(environment->clock());
+    }
+    // A run under way is completed, so that its results reach the store whole.
+    if (importer.finishImport()) view.draw(importer, std::time(nullptr));
+    view.finish();
+    return 0;
 }
 
 }  // namespace tallowen::cli

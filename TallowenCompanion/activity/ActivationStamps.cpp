@@ -1,0 +1,51 @@
+#include "activity/ActivationStamps.hpp"
+
+#include "model/JsonRead.hpp"
+#include "model/JsonWriter.hpp"
+
+#include <algorithm>
+
+namespace tallowen {
+
+bool addActivationStamp(ActivationStamps& stamps, const std::string& bundleId, Date now) {
+    std::vector<Date>& dates = stamps[bundleId];
+    if (!dates.empty() && now.secondsSince(dates.back()) < activationRepeatSeconds) return false;
+    const Date cutOff = now.addingSeconds(-activationRetentionSeconds);
+    dates.erase(std::remove_if(dates.begin(), dates.end(), [cutOff](Date date) { return !(date > cutOff); }),
+                dates.end());
+    dates.push_back(now);
+    return true;
+}
+
+std::string encodeActivationStamps(const ActivationStamps& stamps) {
+    JsonWriter w;
+    w.beginObject();
+    for (const auto& [bundleId, dates] : stamps) {
+        w.key(bundleId).beginArray();
+        for (const Date date : dates) w.number(date.secondsSinceReferenceDate);
+        w.endArray();
+    }
+    w.endObject();
+    return w.take();
+}
+
+std::optional<ActivationStamps> decodeActivationStamps(std::string_view text) {
+    simdjson::dom::parser parser;
+    json::Element root;
+    if (parser.parse(text.data(), text.size(), true).get(root) != simdjson::SUCCESS) return std::nullopt;
+    if (!root.is_object()) return std::nullopt;
+    ActivationStamps stamps;
+    for (auto [bundleId, value] : root.get_object().value_unsafe()) {
+        if (!value.is_array()) return std::nullopt;
+        std::vector<Date> dates;
+        for (json::Element item : value.get_array().value_unsafe()) {
+            double seconds = 0;
+            if (!item.is_number() || item.get_double().get(seconds) != simdjson::SUCCESS) return std::nullopt;
+            dates.push_back(Date{seconds});
+        }
+        stamps[std::string(bundleId)] = std::move(dates);
+    }
+    return stamps;
+}
+
+}  // namespace tallowen

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "activity/AppActivityRecorder.hpp"
+#include "app/EngineEnvironment.hpp"
+#include "app/SettingsStore.hpp"
+#include "import/DuplicatePurge.hpp"
+#include "import/ImportRunReport.hpp"
+#include "readers/UsageReaders.hpp"
+#include "store/SampleStore.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <future>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tallowen {
+
+inline constexpr const char* lastImportSettingsKey = "lastImportDate";
+
+// The published properties, named for observers.
+enum class ImporterProperty {
+    isImporting,
+    lastImport,
+    lastError,
+    detectedTools,
+    todaySessions,
+    todayTokens,
+    todayCostCents,
+    purgeProgress,
+};
+
+// Opens the sample store for one run; throws StoreError when it cannot.
+using SampleStoreOpener = std::function<std::unique_ptr<SampleStore>()>;
+// The log readers' pass over a home folder (readAllLogs outside tests).
+using LogReading =
+    std::function<LogReadOutcome(const std::filesystem::path& homeFolder, ImportState& state, const LocalCalendar&)>;
+
+// The engine the rest of the application talks to. One import run reads the
+// logs and the activation stamps, runs the one-time duplicate purge, writes
+// one sample per day and tool and publishes a few figures.
+//
+// Everything here is called on one thread (the main thread). The file work
+// of a run (the import state file and the logs) runs on one background thread
+// and comes back as a value when the caller finishes the run; nothing is
+// shared with that thread while it works.
+class UsageImporter {
+public:
+    UsageImporter(EngineEnvironment environment, SampleStoreOpener openStore, SettingsStore& settings,
+                  AppActivityRecorder& activity, LogReading readLogs = readAllLogs);
+    ~UsageImporter();
+    UsageImporter(const UsageImporter&) = delete;
+    UsageImporter& operator=(const UsageImporter&) = delete;
+
+    // Starts a run and sends its file work to the background. A request made
+    // while a run is under way, here or in another process on the same
+    // support folder, is dropped: nothing changes and the outcome says why.
+    ImportRunReport::Outcome startImport();
+    // Completes the run once its file work is back; nothing while that work is
+    // still going on or when no run is under way. Never blocks.
+    std::optional<ImportRunReport> finishImportIfReady();
+    // Completes the run under way, waiting for its file work.
+    std::optional<ImportRunReport> finishImport();
+    // A whole run: start, then finish. A dropped request gives a report that says so.
+    ImportRunReport runImport();
+
+    // Called after every assignment of a published property.
+    void setObserver(std::function<void(ImporterProperty)> observer) { observer_ = std::move(observer); }
+    // Where console lines ("TallowenCompanion: …") go; the standard output by default.
+    void setLogLine(LogLine logLine) { logLine_ = std::move(logLine); }
+
+    bool isImporting() const { return isImporting_; }
+    std::optional<Date> lastImport() const { return lastImport_; }
+    const std::optional<std::string>& lastError() const { return lastError_; }
+    const std::vector<UsageTool>& detectedTools() const { return detectedTools_; }
+    int64_t todaySessions() const { return todaySessions_; }
+    int64_t todayTokens() const { return todayTokens_; }
+    int64_t todayCostCents() const { return todayCostCents_; }
+    std::optional<double> purgeProgress() const { return purgeProgress_; }
+
+private:
+    struct FileWork;
+    struct RunInProgress;
+
+    // Runs on the background thread: touches nothing of the engine.
+    static FileWork doFileWork(const std::filesystem::path& homeFolder, const std::filesystem::path& supportFolder,
+                               LocalCalendar calendar, const LogReading& readLogs);
+    ImportRunReport complete(FileWork work);
+    void runPurge(SampleStore& store, const ToolResults& readerResults, ImportRunReport& report);
+    void recomputeTodayFigures(SampleStore& store, Date now);
+
+    void publish(ImporterProperty property) const;
+    void setLastError(std::optional<std::string> error);
+    void setPurgeProgress(std::optional<double> progress);
+    void assignIfChanged(int64_t& field, int64_t value, ImporterProperty property);
+
+    EngineEnvironment environment_;
+    SampleStoreOpener openStore_;
+    SettingsStore& settings_;
+    AppActivityRecorder& activity_;
+    LogReading readLogs_;
+    std::function<void(ImporterProperty)> observer_;
+    LogLine logLine_;
+
+    bool isImporting_ = false;
+    std::optional<Date> lastImport_;
+    std::optional<std::string> lastError_;
+    std::vector<UsageTool> detectedTools_;
+    int64_t todaySessions_ = 0;
+    int64_t todayTokens_ = 0;
+    int64_t todayCostCents_ = 0;
+    std::optional<double> purgeProgress_;
+
+    std::unique_ptr<RunInProgress> run_;
+};
+
+}  // namespace tallowen

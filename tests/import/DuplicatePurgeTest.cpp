@@ -1,0 +1,146 @@
+#include "import/DuplicatePurge.hpp"
+
+#include "app/MemorySettingsStore.hpp"
+#include "store/SqliteSampleStore.hpp"
+#include "support/Dates.hpp"
+#include "support/Samples.hpp"
+#include "support/TempDir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+namespace tallowen {
+namespace {
+
+using testing::slotSample;
+using testing::utcDate;
+
+struct PurgeRecorder {
+    std::vector<double> progress;
+    std::vector<std::string> log;
+
+    PurgeOutcome run(SampleStore& store, SettingsStore& settings, const std::set<std::string>& runKeys) {
+        return runOneTimePurge(
+            store, settings, runKeys, [this](double fraction) { progress.push_back(fraction); },
+            [this](const std::string& line) { log.push_back(line); });
+    }
+};
+
+void storeAll(const std::filesystem::path& path, const std::vector<UsageSample>& samples) {
+    SqliteSampleStore store(path);
+    for (const auto& sample : samples) store.insert(sample);
+    store.save();
+}
+
+TEST(DuplicatePurgeTest, OneTimePurgeKeepsTheNewestOfEachRunKey) {
+    const Date ten = utcDate(2025, 3, 14, 10), eleven = utcDate(2025, 3, 14, 11), noon = utcDate(2025, 3, 14, 12);
+    const std::string codexKey = sampleKey("2025-03-14", "codex");
+    struct Case {
+        const char* name;
+        std::vector<UsageSample> stored;
+        std::set<std::string> runKeys;
+        int64_t deleted;
+        std::vector<Date> survivors;
+    };
+    const Case cases[] = {
+        {"two codex samples", {slotSample("2025-03-14", "codex", ten), slotSample("2025-03-14", "codex", eleven)},
+         {codexKey}, 1, {eleven}},
+        {"three for one key",
+         {slotSample("2025-03-14", "codex", eleven), slotSample("2025-03-14", "codex", noon),
+          slotSample("2025-03-14", "codex", ten), slotSample("2025-03-14", "cursor", ten)},
+         {codexKey}, 2, {noon, ten}},
+        {"unknown tool and a bar in the tool",
+         {slotSample("2025-03-14", "phone-vision", ten), slotSample("2025-03-14", "phone-vision", noon),
+          slotSample("2025-03-14", "x|y", eleven), slotSample("2025-03-14", "x|y", ten)},
+         {sampleKey("2025-03-14", "phone-vision"), sampleKey("2025-03-14", "x|y")}, 2, {noon, eleven}},
+        {"empty store", {}, {}, 0, {}},
+        {"as many run keys as records",
+         {slotSample("2025-03-14", "codex", ten), slotSample("2025-03-14", "codex", eleven)},
+         {codexKey, sampleKey("2025-03-15", "codex")}, 0, {ten, eleven}},
+        {"few extras outside the run keys are left to the writer",
+         {slotSample("2025-03-14", "codex", ten), slotSample("2025-03-14", "codex", eleven)},
+         {sampleKey("2025-03-15", "codex")}, 0, {ten, eleven}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        testing::TempDir dir;
+        const auto path = dir.path() / SqliteSampleStore::fileName;
+        storeAll(path, c.stored);
+        MemorySettingsStore settings;
+        PurgeRecorder recorder;
+        SqliteSampleStore store(path);
+        const PurgeOutcome outcome = recorder.run(store, settings, c.runKeys);
+        EXPECT_TRUE(outcome.ran);
+        EXPECT_FALSE(outcome.error);
+        EXPECT_EQ(outcome.deleted, c.deleted);
+        EXPECT_TRUE(settings.boolValue("usageSamplePurge.v1"));
+        ASSERT_FALSE(recorder.progress.empty());
+        EXPECT_EQ(recorder.progress.front(), 0.0);
+        if (c.deleted > 0) {
+            EXPECT_EQ(recorder.progress.back(), 1.0);
+            EXPECT_EQ(recorder.log, std::vector<std::string>{"TallowenCompanion: " + std::to_string(c.deleted) +
+                                                             " doublon(s) supprimé(s)"});
+        } else {
+            EXPECT_TRUE(recorder.log.empty());
+        }
+        std::vector<Date> survivors;
+        for (const auto& sample : SqliteSampleStore(path).fetchAll()) survivors.push_back(sample.updatedAt);
+        EXPECT_EQ(survivors, c.survivors);
+        // Once done, the purge is not run again.
+        EXPECT_FALSE(recorder.run(store, settings, c.runKeys).ran);
+    }
+}
+
+TEST(DuplicatePurgeTest, ManyExtraRecordsAreFoundByScanningEveryKey) {
+    testing::TempDir dir;
+    const auto path = dir.path() / SqliteSampleStore::fileName;
+    std::vector<UsageSample> stored = {
+        slotSample("2025-03-14", "codex", Date{1}),        slotSample("2025-03-14", "codex", Date{2}),
+        slotSample("2025-03-14", "phone-vision", Date{5}), slotSample("2025-03-14", "phone-vision", Date{7}),
+        slotSample("2025-03-14", "phone-vision", Date{6}), slotSample("2025-03-15", "cursor", Date{9}),
+        slotSample("2025-03-15", "cursor", Date{8}),
+    };
+    for (int i = 0; i < 405; ++i) {
+        char dayKey[16];
+        std::snprintf(dayKey, sizeof dayKey, "2024-%02d-%02d", 1 + i / 28, 1 + i % 28);
+        stored.push_back(slotSample(dayKey, "claude-code", Date{3}));
+    }
+    storeAll(path, stored);
+
+    SqliteSampleStore store(path);
+    std::vector<double> progress;
+    const int64_t deleted = purgeDuplicates(
+        store, {sampleKey("2025-03-14", "codex")}, [&](double fraction) { progress.push_back(fraction); }, 3);
+    EXPECT_EQ(deleted, 4);
+
+    // The run key's pass, then one pass over the 407 other distinct keys.
+    ASSERT_EQ(progress.size(), 1u + 407u);
+    EXPECT_EQ(progress[0], 1.0);
+    for (size_t i = 2; i < progress.size(); ++i) EXPECT_LT(progress[i - 1], progress[i]);
+    EXPECT_EQ(progress.back(), 1.0);
+
+    SqliteSampleStore reopened(path);
+    EXPECT_EQ(reopened.count(), 408);
+    for (const auto& [slot, newest] : {std::pair{SampleSlot{"2025-03-14", "codex"}, 2.0},
+                                       {SampleSlot{"2025-03-14", "phone-vision"}, 7.0},
+                                       {SampleSlot{"2025-03-15", "cursor"}, 9.0}}) {
+        EXPECT_EQ(reopened.count(slot), 1);
+        EXPECT_EQ(reopened.newestInSlot(slot)->updatedAt, Date{newest});
+    }
+}
+
+TEST(DuplicatePurgeTest, AStoreFailureLeavesTheFlagUnset) {
+    testing::TempDir dir;
+    SqliteSampleStore corrupt(dir.write("store.sqlite", std::string(4096, '#')));
+    MemorySettingsStore settings;
+    PurgeRecorder recorder;
+    const PurgeOutcome outcome = recorder.run(corrupt, settings, {sampleKey("2025-03-14", "codex")});
+    EXPECT_TRUE(outcome.ran);
+    EXPECT_EQ(outcome.error, "Nettoyage des doublons : file is not a database");
+    EXPECT_FALSE(settings.boolValue("usageSamplePurge.v1"));
+    EXPECT_TRUE(recorder.log.empty());
+}
+
+}  // namespace
+}  // namespace tallowen
