@@ -25,7 +25,7 @@ struct PanelFrame {
 
 // The menu's token counter for a model: today's tokens, the token format,
 // the model's pace.
-CountingText tokenCounter(const MenuModel& model, const LocaleFormatter& locale);
+CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale);
 
 // The panel as lines of at most `panelWidth` columns, top to bottom: title,
 // today (big request count, tokens, cost, water with the bottle and the

@@ -37,6 +37,14 @@ TEST(TextWidthTest, CountsColumnsNotBytes) {
     EXPECT_EQ(spread("IMPORTER", "QUITTER", 10), "IMPORTER QUITTER");
 }
 
+TEST(TextWidthTest, WrapsAtSpacesWithinTheWidth) {
+    EXPECT_EQ(wrapText("Aucun pour l'instant. Claude Code", 20),
+              (std::vector<std::string>{"Aucun pour", "l'instant. Claude", "Code"}));
+    EXPECT_EQ(wrapText("ÉTÉ ÉTÉ", 7), std::vector<std::string>{"ÉTÉ ÉTÉ"});
+    EXPECT_EQ(wrapText("abcdéfgh", 3), (std::vector<std::string>{"abc", "déf", "gh"}));
+    EXPECT_EQ(wrapText("", 10), std::vector<std::string>{""});
+}
+
 TEST(BottleArtTest, EachQuadrantIsOneColumnOfTwoCells) {
     // Upper-left only, lower-right only, both upper, everything.
     const std::vector<std::string> rows = {
