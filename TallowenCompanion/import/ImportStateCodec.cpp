@@ -72,7 +72,9 @@ std::optional<QuotaSnapshot> readQuota(Element object) {
 bool readIntegerArray(Element object, std::string_view key, std::vector<int64_t>& out) {
     auto value = json::member(object, key);
     if (!value || !value->is_array()) return false;
-    for (Element item : value->get_array().value_unsafe()) {
+    // Held in a variable: ranging over the temporary result would read it after its end.
+    const simdjson::dom::array items = value->get_array().value_unsafe();
+    for (Element item : items) {
         if (item.type() != simdjson::dom::element_type::INT64) return false;
         out.push_back(item.get_int64().value_unsafe());
     }
@@ -84,7 +86,8 @@ std::optional<DayUsage> readDayUsage(Element object) {
     DayUsage day;
     auto sessions = json::member(object, "sessions");
     if (!sessions || !sessions->is_array()) return std::nullopt;
-    for (Element item : sessions->get_array().value_unsafe()) {
+    const simdjson::dom::array sessionItems = sessions->get_array().value_unsafe();
+    for (Element item : sessionItems) {
         if (!item.is_string()) return std::nullopt;
         day.sessions.emplace(item.get_string().value_unsafe());
     }
@@ -115,7 +118,8 @@ std::optional<FileEntry> readFileEntry(Element object) {
     if (!size || !modified || !days) return std::nullopt;
     entry.size = *size;
     entry.modified = Date{*modified};
-    for (auto [key, value] : days->get_object().value_unsafe()) {
+    const simdjson::dom::object dayObjects = days->get_object().value_unsafe();
+    for (auto [key, value] : dayObjects) {
         auto day = readDayUsage(value);
         if (!day) return std::nullopt;
         entry.days[std::string(key)] = std::move(*day);
@@ -155,7 +159,8 @@ std::optional<ImportState> decodeImportState(std::string_view text) {
     const auto files = json::objectMember(root, "files");
     if (!version || !files || *version != ImportState::currentVersion) return std::nullopt;
     ImportState state;
-    for (auto [path, value] : files->get_object().value_unsafe()) {
+    const simdjson::dom::object fileObjects = files->get_object().value_unsafe();
+    for (auto [path, value] : fileObjects) {
         if (!value.is_object()) return std::nullopt;
         auto entry = readFileEntry(value);
         if (!entry) return std::nullopt;

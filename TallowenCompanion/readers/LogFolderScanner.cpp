@@ -3,6 +3,7 @@
 #include "model/DayKey.hpp"
 #include "readers/DaysFromEvents.hpp"
 #include "readers/MappedFile.hpp"
+#include "readers/TornReadGuard.hpp"
 
 #include <algorithm>
 #include <dirent.h>
@@ -107,7 +108,17 @@ private:
         // What was mapped, not what the listing saw: the entry describes the bytes read.
         fresh.size = file->size();
         fresh.modified = file->modified();
-        fresh.days = daysOfFile(reader_(file->bytes()), sessionId, calendar_);
+        FileReading reading;
+        {
+            const TornReadGuard guard(file->bytes().data(), file->bytes().size());
+            reading = reader_(file->bytes());
+            if (guard.torn()) {
+                // Shortened while being read: what was read is not the file; read it next run.
+                ++counters_.filesUnreadable;
+                return;
+            }
+        }
+        fresh.days = daysOfFile(std::move(reading), sessionId, calendar_);
         mergeDayMap(days_, fresh.days);
         state_.files[path] = std::move(fresh);
         ++counters_.filesRead;

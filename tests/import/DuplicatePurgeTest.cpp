@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 
 namespace tallowen {
 namespace {
@@ -95,17 +94,13 @@ TEST(DuplicatePurgeTest, OneTimePurgeKeepsTheNewestOfEachRunKey) {
 TEST(DuplicatePurgeTest, ManyExtraRecordsAreFoundByScanningEveryKey) {
     testing::TempDir dir;
     const auto path = dir.path() / SqliteSampleStore::fileName;
-    std::vector<UsageSample> stored = {
-        slotSample("2025-03-14", "codex", Date{1}),        slotSample("2025-03-14", "codex", Date{2}),
-        slotSample("2025-03-14", "phone-vision", Date{5}), slotSample("2025-03-14", "phone-vision", Date{7}),
-        slotSample("2025-03-14", "phone-vision", Date{6}), slotSample("2025-03-15", "cursor", Date{9}),
-        slotSample("2025-03-15", "cursor", Date{8}),
-    };
-    for (int i = 0; i < 405; ++i) {
-        char dayKey[16];
-        std::snprintf(dayKey, sizeof dayKey, "2024-%02d-%02d", 1 + i / 28, 1 + i % 28);
-        stored.push_back(slotSample(dayKey, "claude-code", Date{3}));
-    }
+    std::vector<UsageSample> stored;
+    for (const auto& [tool, stamps] : {std::pair<std::string, std::vector<double>>{"codex", {1, 2}},
+                                       {"phone-vision", {5, 7, 6}},
+                                       {"cursor", {9, 8}}})
+        for (const double stamp : stamps) stored.push_back(slotSample("2025-03-14", tool, Date{stamp}));
+    for (int i = 0; i < 405; ++i)
+        stored.push_back(slotSample("2024-" + std::to_string(1000 + i), "claude-code", Date{3}));
     storeAll(path, stored);
 
     SqliteSampleStore store(path);
@@ -113,7 +108,6 @@ TEST(DuplicatePurgeTest, ManyExtraRecordsAreFoundByScanningEveryKey) {
     const int64_t deleted = purgeDuplicates(
         store, {sampleKey("2025-03-14", "codex")}, [&](double fraction) { progress.push_back(fraction); }, 3);
     EXPECT_EQ(deleted, 4);
-
     // The run key's pass, then one pass over the 407 other distinct keys.
     ASSERT_EQ(progress.size(), 1u + 407u);
     EXPECT_EQ(progress[0], 1.0);
@@ -122,11 +116,9 @@ TEST(DuplicatePurgeTest, ManyExtraRecordsAreFoundByScanningEveryKey) {
 
     SqliteSampleStore reopened(path);
     EXPECT_EQ(reopened.count(), 408);
-    for (const auto& [slot, newest] : {std::pair{SampleSlot{"2025-03-14", "codex"}, 2.0},
-                                       {SampleSlot{"2025-03-14", "phone-vision"}, 7.0},
-                                       {SampleSlot{"2025-03-15", "cursor"}, 9.0}}) {
-        EXPECT_EQ(reopened.count(slot), 1);
-        EXPECT_EQ(reopened.newestInSlot(slot)->updatedAt, Date{newest});
+    for (const auto& [tool, newest] : {std::pair{"codex", 2.0}, {"phone-vision", 7.0}, {"cursor", 9.0}}) {
+        EXPECT_EQ(reopened.count({"2025-03-14", tool}), 1);
+        EXPECT_EQ(reopened.newestInSlot({"2025-03-14", tool})->updatedAt, Date{newest});
     }
 }
 

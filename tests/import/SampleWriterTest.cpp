@@ -6,26 +6,20 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace tallowen {
 namespace {
 
 using testing::slotSample;
 using testing::storedFields;
+using testing::withId;
 
 constexpr Date stamped{763650000};
 constexpr Date now{763660000};
 
 DayUsage dayUsage(int64_t requests, std::optional<QuotaSnapshot> quota = {}) {
-    DayUsage day;
-    day.sessions = {"a#0", "b#0"};
-    day.requests = requests;
-    day.inputTokens = 100;
-    day.outputTokens = 10;
-    day.episodeHours = {9, 14};
-    day.costCents = 5;
-    day.waterMilliliters = 2;
-    day.quota = std::move(quota);
-    return day;
+    return DayUsage{{"a#0", "b#0"}, requests, 100, 10, {9, 14}, 5, 2, std::move(quota)};
 }
 
 // A stored sample holding exactly what `dayUsage(requests)` gives.
@@ -40,6 +34,11 @@ UsageSample storedDay(const std::string& dayKey, const std::string& tool, Date u
     return sample;
 }
 
+// Inserted, updated, unchanged, duplicates removed.
+std::array<int64_t, 4> counts(const SampleWriteOutcome& outcome) {
+    return {outcome.inserted, outcome.updated, outcome.unchanged, outcome.duplicatesRemoved};
+}
+
 UsageSample withQuota(UsageSample sample) {
     sample.quotaPrimaryPercent = 10;
     sample.quotaPrimaryResetAt = Date{1};
@@ -47,12 +46,6 @@ UsageSample withQuota(UsageSample sample) {
     sample.quotaSecondaryResetAt = Date{2};
     sample.quotaPlan = "pro";
     return sample;
-}
-
-const UsageSample* withId(const std::vector<UsageSample>& samples, const std::string& id) {
-    for (const auto& sample : samples)
-        if (sample.persistentId == id) return &sample;
-    return nullptr;
 }
 
 TEST(SampleWriterTest, WritesOnlyChangedDaysAndKeepsOneSamplePerKey) {
@@ -83,33 +76,28 @@ TEST(SampleWriterTest, WritesOnlyChangedDaysAndKeepsOneSamplePerKey) {
         SqliteSampleStore store(path);
         const auto outcome = writeSamples(store, results, now);
         EXPECT_FALSE(outcome.error);
-        EXPECT_EQ(outcome.inserted, 1);
-        EXPECT_EQ(outcome.updated, 3);
-        EXPECT_EQ(outcome.unchanged, 1);
-        EXPECT_EQ(outcome.duplicatesRemoved, 2);
+        EXPECT_EQ(counts(outcome), (std::array<int64_t, 4>{1, 3, 1, 2}));
     }
     const auto samples = SqliteSampleStore(path).fetchAll();
     ASSERT_EQ(samples.size(), 13u);
-    EXPECT_FALSE(withId(samples, "UsageSample/p9") || withId(samples, "UsageSample/p11"));
-    for (const auto& original : phone) EXPECT_EQ(storedFields(*withId(samples, original.persistentId)), storedFields(original));
-    EXPECT_EQ(withId(samples, "UsageSample/p10")->updatedAt, stamped);
-    EXPECT_EQ(withId(samples, "UsageSample/p12")->requests, 4);
-    EXPECT_EQ(withId(samples, "UsageSample/p12")->updatedAt, now);
+    for (const auto& original : phone) EXPECT_EQ(storedFields(withId(samples, original.persistentId)), storedFields(original));
+    EXPECT_EQ(withId(samples, "UsageSample/p10").updatedAt, stamped);
+    EXPECT_EQ(withId(samples, "UsageSample/p12").requests, 4);
+    EXPECT_EQ(withId(samples, "UsageSample/p12").updatedAt, now);
 
     UsageSample rewritten = storedDay("2025-03-14", "cursor", now, 1);
     rewritten.quotaPrimaryPercent = 50.0;
     rewritten.quotaPrimaryResetAt = Date{4};
-    EXPECT_EQ(storedFields(*withId(samples, "UsageSample/p13")), storedFields(rewritten));
-    EXPECT_EQ(storedFields(*withId(samples, "UsageSample/p14")),
+    EXPECT_EQ(storedFields(withId(samples, "UsageSample/p13")), storedFields(rewritten));
+    EXPECT_EQ(storedFields(withId(samples, "UsageSample/p14")),
               storedFields(withQuota(storedDay("2025-03-13", "cursor", now, 2))));
-    EXPECT_EQ(storedFields(*withId(samples, "UsageSample/p15")),
+    EXPECT_EQ(storedFields(withId(samples, "UsageSample/p15")),
               storedFields(storedDay("2025-03-14", "claude-code", now, 7)));
 
     // The same results again change nothing, not even `updatedAt`.
     SqliteSampleStore store(path);
     const auto again = writeSamples(store, results, Date{now.secondsSinceReferenceDate + 60});
-    EXPECT_EQ(again.unchanged, 5);
-    EXPECT_EQ(again.inserted + again.updated + again.duplicatesRemoved, 0);
+    EXPECT_EQ(counts(again), (std::array<int64_t, 4>{0, 0, 5, 0}));
     const auto after = store.fetchAll();
     ASSERT_EQ(after.size(), samples.size());
     for (size_t i = 0; i < after.size(); ++i) EXPECT_EQ(storedFields(after[i]), storedFields(samples[i]));

@@ -1,4 +1,5 @@
 #include "readers/ClaudeCodeReader.hpp"
+#include "support/UsagePrinting.hpp"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +55,6 @@ TEST(ClaudeCodeReaderTest, OneLine) {
         {"priced by its model", assistantLine(fullUsage, opusModel), fullOpusEvent},
         {"no model: the catch-all Claude price", assistantLine(fullUsage, ""), fullOpusEvent},
         {"a model that is not a string counts as none", assistantLine(fullUsage, R"("model":5,)"), fullOpusEvent},
-        {"an unknown model name", assistantLine(fullUsage, R"("model":"mystery-model",)"), fullOpusEvent},
         // Cache reads are not input: 10 + 5 = 15. Cost 631.25 $/M → 0.063125 → 0; water 0.39375 → 0.
         {"cache reads stay out of the input count",
          assistantLine(
@@ -77,7 +77,6 @@ TEST(ClaudeCodeReaderTest, OneLine) {
          fullSonnetEvent},
         {"a timestamp with a blank instead of T and no zone",
          assistantLine(fullUsage, sonnetModel, R"("2025-01-31 09:15:02")"), std::nullopt},
-        {"a timestamp that is a number", assistantLine(fullUsage, sonnetModel, "1738314902"), std::nullopt},
         {"blanks after colons elsewhere do not matter",
          R"({"type":"assistant", "timestamp": "2025-01-31T09:15:02Z", "message": {"model": "claude-sonnet-4-5", "usage": {"input_tokens": 1200, "cache_creation_input_tokens": 8000, "cache_read_input_tokens": 150000, "output_tokens": 2000}}})",
          fullSonnetEvent},
@@ -95,7 +94,6 @@ TEST(ClaudeCodeReaderTest, OneLine) {
         {"a message that is not an object",
          R"({"type":"assistant","timestamp":"2025-01-31T09:15:02Z","message":"usage","x":{"usage":{}}})", std::nullopt},
         {"usage that is null", assistantLine("null"), std::nullopt},
-        {"usage that is an array", assistantLine("[1,2]"), std::nullopt},
         {"a top level that is an array",
          R"([{"type":"assistant","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{}}}])", std::nullopt},
         {"a carriage return before the line feed", assistantLine(fullUsage) + "\r", fullSonnetEvent},

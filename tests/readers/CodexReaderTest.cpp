@@ -1,4 +1,5 @@
 #include "readers/CodexReader.hpp"
+#include "support/UsagePrinting.hpp"
 
 #include <gtest/gtest.h>
 
@@ -97,8 +98,6 @@ TEST(CodexReaderTest, OneTokenCountLine) {
                                     largeRequest + "}}",
          largeAtDefaultPrice},
         {"a carriage return before the line feed", tokenCountLine(largeRequest) + "\r", largeAtDefaultPrice},
-        {"a timestamp without a zone",
-         tokenCountLine(largeRequest, "null", R"("2025-01-31T09:15:02")"), std::nullopt},
         {"a timestamp with a blank instead of T",
          tokenCountLine(largeRequest, "null", R"("2025-01-31 09:15:02Z")"), std::nullopt},
         {"no timestamp", R"({"payload":{"type":"token_count","info":)" + largeRequest + "}}", std::nullopt},
@@ -109,7 +108,6 @@ TEST(CodexReaderTest, OneTokenCountLine) {
          R"({"timestamp":"2025-01-31T09:15:02Z","payload":{"type":"token_count_delta","info":)" + largeRequest + "}}",
          std::nullopt},
         {"a top level that is an array", "[" + tokenCountLine(largeRequest) + "]", std::nullopt},
-        {"a line cut short", tokenCountLine(largeRequest).substr(0, 120), std::nullopt},
         {"invalid UTF-8", tokenCountLine(largeRequest, "\"\xc3\x28\""), std::nullopt},
     };
     for (const Case& c : cases) {

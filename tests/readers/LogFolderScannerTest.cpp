@@ -208,6 +208,29 @@ TEST_F(LogFolderScannerTest, AFileThatVanishesMidScanKeepsItsOldEntry) {
     EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 5);
 }
 
+TEST_F(LogFolderScannerTest, AFileShortenedWhileBeingReadIsDroppedForThisRunWithoutStopping) {
+    const Date morning = localDate(2025, 3, 14, 10);
+    const auto log = home.write("projects/a.jsonl", eventLine(morning, 1, 1));
+    scanFolder();
+    const FileEntry before = state.files.at(log.string());
+
+    // Several pages of log; the writer cuts the file to nothing while it is being read.
+    std::string grown;
+    while (grown.size() < 5 * 4096) grown += eventLine(morning, 7, 7);
+    home.write("projects/a.jsonl", grown);
+    const LogFileReader inner = counting.reader();
+    const FolderScan result = scan(folder(), state, [&](std::string_view bytes) {
+        EXPECT_EQ(::truncate(log.c_str(), 0), 0);
+        return inner(bytes);
+    }, calendar);
+    EXPECT_EQ(result.counters.filesRead, 0);
+    EXPECT_EQ(result.counters.filesUnreadable, 1);
+    EXPECT_EQ(state.files.at(log.string()), before);
+
+    // Next run: the shortened file is read as it now stands.
+    EXPECT_EQ(scanFolder().counters.filesRead, 1);
+}
+
 TEST_F(LogFolderScannerTest, ASavedAndReloadedStateMakesAWarmRunThatReadsNothing) {
     const Date morning = localDate(2025, 3, 14, 10);
     for (int i = 0; i < 5; ++i)

@@ -24,58 +24,34 @@ UsageSample everyFieldSet() {
     return sample;
 }
 
-TEST_P(SampleStoreConformance, RoundTripsEveryFieldAndTheDefaults) {
-    const UsageSample full = everyFieldSet();
+TEST_P(SampleStoreConformance, RoundTripsEveryFieldAndKeepsOnlySavedChanges) {
     const UsageSample defaults = UsageSample::created(Date{1.0 / 3.0});
-    std::string fullId, defaultsId;
-    {
-        auto store = open();
-        fullId = store->insert(full);
-        defaultsId = store->insert(defaults);
-        store->save();
-    }
-    EXPECT_NE(fullId, defaultsId);
-    const auto fetched = open()->fetchAll();
-    ASSERT_EQ(fetched.size(), 2u);
-    const auto& fetchedFull = fetched[0].persistentId == fullId ? fetched[0] : fetched[1];
-    const auto& fetchedDefaults = fetched[0].persistentId == fullId ? fetched[1] : fetched[0];
-    EXPECT_EQ(fetchedFull.persistentId, fullId);
-    EXPECT_EQ(fetchedDefaults.persistentId, defaultsId);
-    EXPECT_EQ(storedFields(fetchedFull), storedFields(full));
-    EXPECT_EQ(storedFields(fetchedDefaults), storedFields(defaults));
-    const auto ofDay = open()->fetchByDayKey("2025-03-14");
-    ASSERT_EQ(ofDay.size(), 1u);
-    EXPECT_EQ(ofDay[0].persistentId, fullId);
-}
-
-TEST_P(SampleStoreConformance, KeepsOnlySavedChanges) {
-    std::string keptId, removedId;
-    {
-        auto store = open();
-        keptId = store->insert(everyFieldSet());
-        removedId = store->insert(slotSample("2025-03-15", "cursor", Date{1}));
-        store->save();
-    }
     UsageSample changed = slotSample("2025-03-16", "phone-gemini", Date{2}, 7);
-    changed.persistentId = keptId;
-    {
-        auto unsaved = open();
-        unsaved->update(changed);
-        unsaved->remove(removedId);
-        unsaved->insert(slotSample("2025-03-17", "codex", Date{3}));
-        EXPECT_EQ(unsaved->count(), 2);  // pending changes are visible to their own store
-    }
     auto store = open();
-    ASSERT_EQ(store->count(), 2);
-    EXPECT_EQ(storedFields(store->fetchByDayKey("2025-03-14").at(0)), storedFields(everyFieldSet()));
-    store->update(changed);
-    store->remove(removedId);
-    store->remove(removedId);
+    const std::string fullId = store->insert(everyFieldSet());
+    changed.persistentId = store->insert(defaults);
+    EXPECT_NE(fullId, changed.persistentId);
     store->save();
-    const auto fetched = open()->fetchAll();
+    store->update(changed);
+    store->remove(fullId);
+    store->insert(defaults);
+    EXPECT_EQ(store->count(), 2);  // pending changes are seen by their own store
+    store.reset();                 // ... and gone once it is dropped unsaved
+    store = open();
+
+    auto fetched = store->fetchAll();
+    ASSERT_EQ(fetched.size(), 2u);
+    EXPECT_EQ(storedFields(withId(fetched, fullId)), storedFields(everyFieldSet()));
+    EXPECT_EQ(storedFields(withId(fetched, changed.persistentId)), storedFields(defaults));
+    EXPECT_EQ(store->fetchByDayKey("2025-03-14").at(0).persistentId, fullId);
+
+    store->update(changed);
+    store->remove(fullId);
+    store->remove(fullId);
+    store->save();
+    fetched = open()->fetchAll();
     ASSERT_EQ(fetched.size(), 1u);
-    EXPECT_EQ(fetched[0].persistentId, keptId);
-    EXPECT_EQ(storedFields(fetched[0]), storedFields(changed));
+    EXPECT_EQ(storedFields(withId(fetched, changed.persistentId)), storedFields(changed));
 }
 
 TEST_P(SampleStoreConformance, CountsKeepsTheNewestAndDeletesTheRestOfASlot) {
@@ -86,82 +62,60 @@ TEST_P(SampleStoreConformance, CountsKeepsTheNewestAndDeletesTheRestOfASlot) {
     store->insert(slotSample(slot.dayKey, slot.tool, Date{200}, 3));
     store->insert(slotSample(slot.dayKey, "codex-other", Date{400}));
     store->insert(slotSample("2025-03-15", slot.tool, Date{500}));
-
     EXPECT_EQ(store->count(), 5);
     EXPECT_EQ(store->count(slot), 3);
-    const auto keeper = store->newestInSlot(slot);
-    ASSERT_TRUE(keeper);
-    EXPECT_EQ(keeper->persistentId, newestId);
-    EXPECT_EQ(keeper->requests, 2);
+    EXPECT_EQ(store->newestInSlot(slot).value().persistentId, newestId);
     EXPECT_FALSE(store->newestInSlot({"2025-03-16", "codex"}));
-
     EXPECT_EQ(store->deleteSlotExcept(slot, newestId), 2);
     EXPECT_EQ(store->deleteSlotExcept(slot, newestId), 0);
     store->save();
-    auto reopened = open();
-    EXPECT_EQ(reopened->count(), 3);
-    EXPECT_EQ(reopened->count(slot), 1);
+    store.reset();
+    store = open();
+    EXPECT_EQ(store->count(), 3);
+    EXPECT_EQ(store->newestInSlot(slot).value().requests, 2);
 }
 
 TEST_P(SampleStoreConformance, PagesSlotsInKeyOrder) {
-    const std::vector<SampleSlot> slots = {{"2025-03-15", "codex"},       {"2025-03-14", "cursor"},
-                                           {"2025-03-14", "claude-code"}, {"2025-03-15", "codex"},
-                                           {"2024-12-31", "phone-other"}, {"2025-03-14", "codex"},
-                                           {"2025-03-14", "claude-code"}};
+    std::vector<SampleSlot> slots = {{"2025-03-15", "codex"}, {"2025-03-14", "cursor"}, {"2025-03-14", "claude-code"},
+                                     {"2025-03-15", "codex"}, {"2024-12-31", "phone-other"}};
     auto store = open();
     for (const auto& slot : slots) store->insert(slotSample(slot.dayKey, slot.tool, Date{0}));
-    std::vector<SampleSlot> paged;
-    for (int64_t offset = 0; offset < 9; offset += 3) {
-        const auto page = store->slotPage(offset, 3);
-        EXPECT_LE(page.size(), 3u);
+    auto paged = store->slotPage(0, 2);
+    for (const int64_t offset : {2, 4, 6}) {
+        const auto page = store->slotPage(offset, 2);
         paged.insert(paged.end(), page.begin(), page.end());
     }
-    auto sorted = slots;
-    std::sort(sorted.begin(), sorted.end(),
-              [](const SampleSlot& a, const SampleSlot& b) { return std::tie(a.dayKey, a.tool) < std::tie(b.dayKey, b.tool); });
-    EXPECT_EQ(paged, sorted);
+    std::sort(slots.begin(), slots.end(), [](const auto& a, const auto& b) {
+        return std::tie(a.dayKey, a.tool) < std::tie(b.dayKey, b.tool);
+    });
+    EXPECT_EQ(paged, slots);
 }
 
 TEST_P(SampleStoreConformance, ACorruptFileFailsEveryOperationWithoutCrashing) {
-    dir_.write(storePath().filename(), std::string(4096, 'x') + "not a database");
+    dir_.write(storePath().filename(), std::string(4096, 'x'));
     auto store = open();
-    const UsageSample sample = slotSample("2025-03-14", "codex", Date{0});
     const std::function<void()> operations[] = {
         [&] { store->fetchAll(); },
-        [&] { store->fetchByDayKey("2025-03-14"); },
-        [&] { store->insert(sample); },
-        [&] { store->count(); },
+        [&] { store->insert(everyFieldSet()); },
         [&] { store->count({"2025-03-14", "codex"}); },
-        [&] { store->newestInSlot({"2025-03-14", "codex"}); },
         [&] { store->slotPage(0, 10); },
     };
-    for (const auto& operation : operations) {
-        try {
-            operation();
-            ADD_FAILURE() << "no StoreError";
-        } catch (const StoreError& error) {
-            EXPECT_STRNE(error.what(), "");
-        }
-    }
+    for (const auto& operation : operations) EXPECT_THROW(operation(), StoreError);
 }
 
 TEST_P(SampleStoreConformance, AReadOnlyStoreReadsButRefusesChanges) {
-    {
-        auto store = open();
-        store->insert(everyFieldSet());
-        store->save();
-    }
-    {
-        auto readOnly = GetParam().openReadOnly(storePath());
-        ASSERT_EQ(readOnly->count(), 1);
-        EXPECT_EQ(storedFields(readOnly->fetchAll().at(0)), storedFields(everyFieldSet()));
-        EXPECT_THROW(
-            {
-                readOnly->insert(everyFieldSet());
-                readOnly->save();
-            },
-            StoreError);
-    }
+    open()->insert(everyFieldSet());  // never saved
+    auto store = open();
+    store->insert(everyFieldSet());
+    store->save();
+    auto readOnly = GetParam().openReadOnly(storePath());
+    EXPECT_EQ(storedFields(readOnly->fetchAll().at(0)), storedFields(everyFieldSet()));
+    EXPECT_THROW(
+        {
+            readOnly->insert(everyFieldSet());
+            readOnly->save();
+        },
+        StoreError);
     EXPECT_EQ(open()->count(), 1);
 }
 

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace tallowen::testing {
 
@@ -20,6 +21,13 @@ inline UsageSample slotSample(std::string dayKey, std::string tool, Date updated
     sample.tool = std::move(tool);
     sample.requests = requests;
     return sample;
+}
+
+// The sample with that identifier, or a default one tagged "missing".
+inline UsageSample withId(const std::vector<UsageSample>& samples, const std::string& persistentId) {
+    for (const auto& sample : samples)
+        if (sample.persistentId == persistentId) return sample;
+    return slotSample("missing", "missing", Date{});
 }
 
 }  // namespace tallowen::testing
