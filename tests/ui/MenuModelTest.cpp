@@ -139,12 +139,6 @@ TEST_F(MenuModelTest, ImportingAndCleaningStates) {
     EXPECT_TRUE(model.showsImportIndicator);
     ASSERT_TRUE(model.cleaning);
     EXPECT_EQ(model.cleaning->percentText, "1 %");
-
-    importer.purgeProgress = 1.7;
-    const MenuModel over = compute({}, importer);
-    ASSERT_TRUE(over.cleaning);
-    EXPECT_EQ(over.cleaning->percentText, "170 %");
-    EXPECT_EQ(over.cleaning->barFraction, 1.0);
 }
 
 TEST_F(MenuModelTest, CloudWarningsAndStatusLines) {
