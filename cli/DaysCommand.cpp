@@ -64,7 +64,8 @@ std::string tableReport(const std::vector<UsageSample>& samples) {
     std::string text = line;
     for (const UsageSample& sample : samples) {
         std::snprintf(line, sizeof line,
-                      "%-10s  %-16s  %8" PRId64 "  %8" PRId64 "  %12" PRId64 "  %12" PRId64 "  %10s  %9" PRId64 "  %s\n",
+                      "%-10s  %-16s  %8" PRId64 "  %8" PRId64 "  %12" PRId64 "  %12" PRId64 "  %10s  %9" PRId64
+                      "  %s\n",
                       sample.dayKey.c_str(), sample.tool.c_str(), sample.sessions, sample.requests,
                       sample.inputTokens, sample.outputTokens, dollarsText(sample.estimatedCostCents).c_str(),
                       sample.estimatedWaterMilliliters, iso8601UtcText(sample.updatedAt).value_or("-").c_str());

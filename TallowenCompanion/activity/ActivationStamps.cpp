@@ -35,10 +35,13 @@ std::optional<ActivationStamps> decodeActivationStamps(std::string_view text) {
     if (parser.parse(text.data(), text.size(), true).get(root) != simdjson::SUCCESS) return std::nullopt;
     if (!root.is_object()) return std::nullopt;
     ActivationStamps stamps;
-    for (auto [bundleId, value] : root.get_object().value_unsafe()) {
+    // Held by value: ranging over value_unsafe() of a temporary result would dangle.
+    const simdjson::dom::object applications = root.get_object().value_unsafe();
+    for (auto [bundleId, value] : applications) {
         if (!value.is_array()) return std::nullopt;
         std::vector<Date> dates;
-        for (json::Element item : value.get_array().value_unsafe()) {
+        const simdjson::dom::array items = value.get_array().value_unsafe();
+        for (json::Element item : items) {
             double seconds = 0;
             if (!item.is_number() || item.get_double().get(seconds) != simdjson::SUCCESS) return std::nullopt;
             dates.push_back(Date{seconds});

@@ -24,7 +24,9 @@ Settings readSettings(const std::filesystem::path& file) {
     json::Element root;
     if (parser.parse(text->data(), text->size(), true).get(root) != simdjson::SUCCESS || !root.is_object()) return {};
     Settings settings;
-    for (auto [key, value] : root.get_object().value_unsafe()) {
+    // Held by value: ranging over value_unsafe() of a temporary result would dangle.
+    const simdjson::dom::object entries = root.get_object().value_unsafe();
+    for (auto [key, value] : entries) {
         double number = 0;
         if (value.is_bool()) settings[std::string(key)] = value.get_bool().value_unsafe();
         else if (value.is_number() && value.get_double().get(number) == simdjson::SUCCESS)

@@ -90,7 +90,8 @@ ImportRunReport::Outcome UsageImporter::startImport() {
 
     auto fileWork = std::async(std::launch::async, doFileWork, environment_.homeFolder,
                                environment_.supportFolder, environment_.calendar, readLogs_);
-    run_ = std::make_unique<RunInProgress>(RunInProgress{std::move(lock), std::move(activityResults), std::move(fileWork)});
+    run_ = std::make_unique<RunInProgress>(
+        RunInProgress{std::move(lock), std::move(activityResults), std::move(fileWork)});
     return ImportRunReport::Outcome::completed;
 }
 
@@ -125,7 +126,7 @@ ImportRunReport UsageImporter::complete(FileWork work) {
     std::unique_ptr<SampleStore> store;
     try {
         store = openStore_();
-    } catch (const StoreError& error) {
+    } catch (const std::exception& error) {
         setLastError(std::string("Store illisible : ") + error.what());
     }
 
@@ -171,8 +172,8 @@ ImportRunReport UsageImporter::complete(FileWork work) {
 }
 
 void UsageImporter::runPurge(SampleStore& store, const ToolResults& readerResults, ImportRunReport& report) {
+    // Once done, the purge is skipped without a word to the observers.
     if (settings_.boolValue(purgeDoneSettingsKey)) return;
-    setPurgeProgress(0.0);
     const PurgeOutcome purge = runOneTimePurge(
         store, settings_, sampleKeysOf(readerResults), [this](double fraction) { setPurgeProgress(fraction); },
         logLine_);

@@ -47,7 +47,8 @@ TEST(AppActivityRecorderTest, RepeatsWithinAMinuteOfTheSameApplicationAreIgnored
         AppActivityRecorder recorder(activationFile(dir));
         std::vector<bool> recorded;
         size_t expectedCount = 0;
-        for (const auto& [bundleId, offset] : c.activations) recorded.push_back(recorder.record(bundleId, base.addingSeconds(offset)));
+        for (const auto& [bundleId, offset] : c.activations)
+            recorded.push_back(recorder.record(bundleId, base.addingSeconds(offset)));
         for (const auto& [bundleId, dates] : c.expected) expectedCount += dates.size();
         EXPECT_EQ(static_cast<size_t>(std::count(recorded.begin(), recorded.end(), true)), expectedCount);
         EXPECT_EQ(recorder.stamps(), c.expected);
@@ -140,11 +141,6 @@ TEST(AppActivityRecorderTest, DayUsageFoldsStampsIntoEpisodesOfZeroTokens) {
     EXPECT_EQ(first.inputTokens + first.outputTokens + first.costCents + first.waterMilliliters, 0);
     EXPECT_EQ(days.at("2025-03-15").requests, 1);
     EXPECT_TRUE(AppActivityRecorder(dir.path() / "none.json").dayUsage(LocalCalendar{}).empty());
-}
-
-TEST(AppActivityRecorderTest, TheFileLiesBesideTheImportState) {
-    EXPECT_EQ(AppActivityRecorder::locationBeside("/a/TallowenMac/import-state.json"),
-              std::filesystem::path("/a/TallowenMac/app-activations.json"));
 }
 
 }  // namespace
