@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 
 namespace tallowen {
@@ -19,7 +20,7 @@ bool isComputerSideSample(const UsageSample& sample) {
 // The key of the oldest day of the unbroken stretch that ends with the newest
 // measured day: the walk stops at the first pause longer than thirty days,
 // measured in seconds between day starts, or at a key that is not a date.
-std::string reliableStartKey(std::vector<std::string> activeKeys, const LocalCalendar& calendar) {
+std::string_view reliableStartKey(std::vector<std::string_view> activeKeys, const LocalCalendar& calendar) {
     std::sort(activeKeys.begin(), activeKeys.end());
     activeKeys.erase(std::unique(activeKeys.begin(), activeKeys.end()), activeKeys.end());
     size_t candidate = activeKeys.size() - 1;
@@ -38,9 +39,10 @@ std::string reliableStartKey(std::vector<std::string> activeKeys, const LocalCal
 ConsumptionSummary computeConsumptionSummary(const std::vector<UsageSample>& samples, int days, Date now,
                                              const LocalCalendar& calendar) {
     days = std::max(days, 1);
-    std::vector<UsageSample> computerSide;
-    std::copy_if(samples.begin(), samples.end(), std::back_inserter(computerSide), isComputerSideSample);
-    const std::vector<UsageSample> kept = oneSamplePerSlot(computerSide);
+    std::vector<const UsageSample*> computerSide;
+    for (const UsageSample& sample : samples)
+        if (isComputerSideSample(sample)) computerSide.push_back(&sample);
+    const std::vector<const UsageSample*> kept = oneSamplePerSlot(computerSide);
 
     ConsumptionSummary summary;
     summary.hasMacData = !kept.empty();
@@ -53,33 +55,34 @@ ConsumptionSummary computeConsumptionSummary(const std::vector<UsageSample>& sam
     const Date previousWindowStart = calendar.startOfDayAdding(windowStart, -days).value_or(windowStart);
     const std::string previousWindowKey = dayKey(previousWindowStart, calendar);
 
-    std::unordered_set<std::string> measuredDayKeys;
-    std::unordered_set<std::string> pastWaterDayKeys;
-    std::vector<std::string> activeKeys;
-    for (const UsageSample& sample : kept) {
-        const int64_t tokens = sample.totalTokens();
-        if (tokens >= 1) activeKeys.push_back(sample.dayKey);
-        if (sample.dayKey >= previousWindowKey && sample.dayKey < windowKey)
-            addChecked(summary.previousWindowWaterMilliliters, sample.estimatedWaterMilliliters);
+    std::unordered_set<std::string_view> measuredDayKeys;
+    std::unordered_set<std::string_view> pastWaterDayKeys;
+    std::vector<std::string_view> activeKeys;
+    for (const UsageSample* sample : kept) {
+        const std::string_view key = sample->dayKey;
+        const int64_t tokens = sample->totalTokens();
+        if (tokens >= 1) activeKeys.push_back(key);
+        if (key >= previousWindowKey && key < windowKey)
+            addChecked(summary.previousWindowWaterMilliliters, sample->estimatedWaterMilliliters);
         // The window is open towards the future: a day after today still counts.
-        if (sample.dayKey < windowKey) continue;
+        if (key < windowKey) continue;
         addChecked(summary.totalTokens, tokens);
-        addChecked(summary.totalCostCents, sample.estimatedCostCents);
-        addChecked(summary.totalWaterMilliliters, sample.estimatedWaterMilliliters);
-        if (tokens >= 1) measuredDayKeys.insert(sample.dayKey);
-        if (sample.dayKey == todayKey) {
-            addChecked(summary.todayWaterMilliliters, sample.estimatedWaterMilliliters);
-        } else if (sample.estimatedWaterMilliliters >= 1) {
-            pastWaterDayKeys.insert(sample.dayKey);
+        addChecked(summary.totalCostCents, sample->estimatedCostCents);
+        addChecked(summary.totalWaterMilliliters, sample->estimatedWaterMilliliters);
+        if (tokens >= 1) measuredDayKeys.insert(key);
+        if (key == todayKey) {
+            addChecked(summary.todayWaterMilliliters, sample->estimatedWaterMilliliters);
+        } else if (sample->estimatedWaterMilliliters >= 1) {
+            pastWaterDayKeys.insert(key);
         }
     }
     summary.measuredDays = static_cast<int64_t>(measuredDayKeys.size());
 
     if (!activeKeys.empty()) {
-        const std::string startKey = reliableStartKey(std::move(activeKeys), calendar);
+        const std::string_view startKey = reliableStartKey(std::move(activeKeys), calendar);
         summary.reliableSince = dateOfDayKey(startKey, calendar);
-        for (const UsageSample& sample : kept)
-            if (sample.dayKey >= startKey) addChecked(summary.allTimeWaterMilliliters, sample.estimatedWaterMilliliters);
+        for (const UsageSample* sample : kept)
+            if (sample->dayKey >= startKey) addChecked(summary.allTimeWaterMilliliters, sample->estimatedWaterMilliliters);
     }
 
     // Today never raises its own reference.
@@ -92,8 +95,8 @@ ConsumptionSummary computeConsumptionSummary(const std::vector<UsageSample>& sam
     summary.quotas = latestFreshQuotas(kept, now);
     std::stable_sort(summary.quotas.begin(), summary.quotas.end(),
                      [](const ToolQuota& a, const ToolQuota& b) { return displayLabelLess(a.tool, b.tool); });
-    const bool claudeCodeHasSamples = std::any_of(kept.begin(), kept.end(), [](const UsageSample& sample) {
-        return sample.tool == rawValue(UsageTool::claudeCode);
+    const bool claudeCodeHasSamples = std::any_of(kept.begin(), kept.end(), [](const UsageSample* sample) {
+        return sample->tool == rawValue(UsageTool::claudeCode);
     });
     const bool claudeCodeHasQuota = std::any_of(summary.quotas.begin(), summary.quotas.end(),
                                                 [](const ToolQuota& quota) { return quota.tool == UsageTool::claudeCode; });

@@ -5,14 +5,14 @@
 
 namespace tallowen {
 
-std::vector<ToolQuota> latestFreshQuotas(const std::vector<UsageSample>& samples, Date now) {
+std::vector<ToolQuota> latestFreshQuotas(const std::vector<const UsageSample*>& samples, Date now) {
     std::array<const UsageSample*, allUsageTools.size()> latest{};
-    for (const UsageSample& sample : samples) {
-        if (!sample.hasQuota()) continue;
-        const std::optional<UsageTool> tool = usageToolFromRawValue(sample.tool);
+    for (const UsageSample* sample : samples) {
+        if (!sample->hasQuota()) continue;
+        const std::optional<UsageTool> tool = usageToolFromRawValue(sample->tool);
         if (!tool) continue;
         const UsageSample*& held = latest[static_cast<size_t>(*tool)];
-        if (held == nullptr || sample.updatedAt > held->updatedAt) held = &sample;
+        if (held == nullptr || sample->updatedAt > held->updatedAt) held = sample;
     }
     const Date oldestShown = now.addingSeconds(-quotaFreshnessSeconds);
     std::vector<ToolQuota> quotas;
@@ -21,6 +21,13 @@ std::vector<ToolQuota> latestFreshQuotas(const std::vector<UsageSample>& samples
         if (held != nullptr && !(held->updatedAt < oldestShown)) quotas.push_back(ToolQuota{tool, *held});
     }
     return quotas;
+}
+
+std::vector<ToolQuota> latestFreshQuotas(const std::vector<UsageSample>& samples, Date now) {
+    std::vector<const UsageSample*> all;
+    all.reserve(samples.size());
+    for (const UsageSample& sample : samples) all.push_back(&sample);
+    return latestFreshQuotas(all, now);
 }
 
 }  // namespace tallowen

@@ -22,6 +22,7 @@ inline constexpr double quotaFreshnessSeconds = 691200.0;  // 8 days
 // the first met stays on a tie); a tool whose sample is older than
 // `now` − 8 days is left out, one exactly 8 days old stays. In the tools'
 // fixed order.
+std::vector<ToolQuota> latestFreshQuotas(const std::vector<const UsageSample*>& samples, Date now);
 std::vector<ToolQuota> latestFreshQuotas(const std::vector<UsageSample>& samples, Date now);
 
 }  // namespace tallowen

@@ -25,23 +25,27 @@ bool replacesHeld(const UsageSample& candidate, const UsageSample& held) {
 
 }  // namespace
 
-std::vector<UsageSample> oneSamplePerSlot(const std::vector<UsageSample>& samples) {
-    // Indices into `samples`, so that the slot keys can view the input's texts.
+std::vector<const UsageSample*> oneSamplePerSlot(const std::vector<const UsageSample*>& samples) {
     std::unordered_map<SlotKey, size_t, SlotKeyHash> keeperOfSlot;
-    std::vector<size_t> keepers;
+    std::vector<const UsageSample*> keepers;
     keeperOfSlot.reserve(samples.size());
-    for (size_t index = 0; index < samples.size(); ++index) {
-        const UsageSample& sample = samples[index];
-        const auto [found, inserted] = keeperOfSlot.try_emplace(SlotKey{sample.dayKey, sample.tool}, keepers.size());
+    for (const UsageSample* sample : samples) {
+        const auto [found, inserted] = keeperOfSlot.try_emplace(SlotKey{sample->dayKey, sample->tool}, keepers.size());
         if (inserted) {
-            keepers.push_back(index);
-        } else if (replacesHeld(sample, samples[keepers[found->second]])) {
-            keepers[found->second] = index;
+            keepers.push_back(sample);
+        } else if (replacesHeld(*sample, *keepers[found->second])) {
+            keepers[found->second] = sample;
         }
     }
+    return keepers;
+}
+
+std::vector<UsageSample> oneSamplePerSlot(const std::vector<UsageSample>& samples) {
+    std::vector<const UsageSample*> all;
+    all.reserve(samples.size());
+    for (const UsageSample& sample : samples) all.push_back(&sample);
     std::vector<UsageSample> result;
-    result.reserve(keepers.size());
-    for (const size_t index : keepers) result.push_back(samples[index]);
+    for (const UsageSample* keeper : oneSamplePerSlot(all)) result.push_back(*keeper);
     return result;
 }
 

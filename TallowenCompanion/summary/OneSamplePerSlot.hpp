@@ -13,4 +13,7 @@ namespace tallowen {
 // the order in which each first appears.
 std::vector<UsageSample> oneSamplePerSlot(const std::vector<UsageSample>& samples);
 
+// The same choice without copying: the result points into `samples`' targets.
+std::vector<const UsageSample*> oneSamplePerSlot(const std::vector<const UsageSample*>& samples);
+
 }  // namespace tallowen
