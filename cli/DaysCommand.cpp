@@ -108,6 +108,10 @@ int runDaysCommand(const std::vector<std::string>& arguments) {
             return 1;
         }
     }
+    // Listed by day, then tool.
+    std::sort(samples.begin(), samples.end(), [](const UsageSample& a, const UsageSample& b) {
+        return a.dayKey != b.dayKey ? a.dayKey < b.dayKey : a.tool < b.tool;
+    });
     samples.erase(std::remove_if(samples.begin(), samples.end(),
                                  [&](const UsageSample& sample) { return !filter.admits(sample); }),
                   samples.end());
