@@ -2,7 +2,7 @@
 #include "Commands.hpp"
 #include "Options.hpp"
 #include "TerminalImporter.hpp"
-#include "WatchStatus.hpp"
+#include "WatchPanel.hpp"
 
 #include "app/ImportScheduler.hpp"
 
@@ -32,8 +32,9 @@ void installStopHandlers() {
     sigaction(SIGTERM, &action, nullptr);
 }
 
+// Short enough for the title's erasing (a character every 45 ms) to show each step.
 void sleepBriefly() {
-    const timespec step{0, 100'000'000};
+    const timespec step{0, 40'000'000};
     // An interrupting signal simply ends the nap early.
     nanosleep(&step, nullptr);
 }
@@ -56,22 +57,41 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
 
     TerminalImporter terminal(*environment);
     UsageImporter& importer = terminal.importer();
-    WatchStatusView view(stdout, ::isatty(STDOUT_FILENO) == 1);
-    // Console lines of the engine would break the in-place status.
+    // Console lines of the engine would break the panel drawn in place.
     importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+
+    WatchKeys keys;
+    WatchPanelView view(*environment, LocaleFormatter::forProcess(), stdout, ::isatty(STDOUT_FILENO) == 1,
+                        keys.active(), environment->clock());
+    // The purge runs inside the end of a run: its progress is drawn as it is published.
+    importer.setObserver([&](ImporterProperty property) {
+        if (property == ImporterProperty::isImporting || property == ImporterProperty::purgeProgress)
+            view.importerChanged(importer, environment->clock());
+    });
 
     ImportScheduler scheduler;
     bool requested = scheduler.start(environment->clock());
+    bool firstRequest = true;
     while (!stopRequested) {
         // A request while a run is under way is dropped by the importer.
         if (requested) importer.startImport();
         requested = false;
-        if (importer.finishImportIfReady()) view.draw(importer, std::time(nullptr));
+        // The panel shows the store at once, before the first run is over.
+        if (firstRequest) view.reload(importer, environment->clock());
+        firstRequest = false;
+        if (importer.finishImportIfReady()) view.reload(importer, environment->clock());
+        view.animate(environment->clock());
+        for (const char key : keys.pending()) {
+            if (key == 'q' || key == 'Q') stopRequested = 1;
+            if (key == 'i' || key == 'I') requested = true;
+        }
+        if (stopRequested) break;
         sleepBriefly();
-        requested = scheduler.tick(environment->clock());
+        requested = scheduler.tick(environment->clock()) || requested;
     }
     // A run under way is completed, so that its results reach the store whole.
-    if (importer.finishImport()) view.draw(importer, std::time(nullptr));
+    importer.setObserver(nullptr);
+    if (importer.finishImport()) view.reload(importer, environment->clock());
     view.finish();
     return 0;
 }

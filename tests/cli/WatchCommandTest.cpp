@@ -54,6 +54,17 @@ public:
         return line;
     }
 
+    // The panel printed after an import, up to its last line, the time of the import.
+    std::string readPanel() {
+        std::string panel;
+        for (int line = 0; line < 200; ++line) {
+            const std::string text = readLine();
+            panel += text + "\n";
+            if (text.find("Import ") != std::string::npos) break;
+        }
+        return panel;
+    }
+
     // Sends `signal` and returns the exit status, or -1 when the process did not exit by itself.
     int stopWith(int signal) {
         ::kill(pid_, signal);
@@ -69,7 +80,7 @@ private:
     bool waited_ = false;
 };
 
-TEST(WatchCommandTest, ImportsAtOnceDrawsTheStatusAndStopsCleanlyOnASignal) {
+TEST(WatchCommandTest, ImportsAtOnceDrawsThePanelAndStopsCleanlyOnASignal) {
     for (const int signal : {SIGINT, SIGTERM}) {
         SCOPED_TRACE(signal);
         TempDir scratch;
@@ -77,9 +88,10 @@ TEST(WatchCommandTest, ImportsAtOnceDrawsTheStatusAndStopsCleanlyOnASignal) {
         WatchProcess watch(scratch.path() / "home", scratch.path() / "data");
         ASSERT_TRUE(watch.started());
 
-        const std::string status = watch.readLine();
-        EXPECT_NE(status.find("  claude-code, codex, cursor  today "), std::string::npos) << status;
-        EXPECT_EQ(status.find("error"), std::string::npos) << status;
+        const std::string panel = watch.readPanel();
+        EXPECT_EQ(panel.rfind("■ TALLOWEN_\n", 0), 0u) << panel;
+        EXPECT_NE(panel.find("OUTILS DÉTECTÉS\nCLAUDE CODE · CODEX · CURSOR\n"), std::string::npos) << panel;
+        EXPECT_EQ(panel.find("Store illisible"), std::string::npos) << panel;
         EXPECT_EQ(watch.stopWith(signal), 0);
 
         // The run reached the store whole, and the store was closed (its log folded back in).
@@ -88,14 +100,14 @@ TEST(WatchCommandTest, ImportsAtOnceDrawsTheStatusAndStopsCleanlyOnASignal) {
     }
 }
 
-TEST(WatchCommandTest, ShowsTheLastErrorInTheStatus) {
+TEST(WatchCommandTest, ShowsTheLastErrorInThePanel) {
     TempDir scratch;
     testing::writeUsageHome(scratch, "home");
     scratch.write("data/store.sqlite", std::string(3000, 'z'));
     WatchProcess watch(scratch.path() / "home", scratch.path() / "data");
     ASSERT_TRUE(watch.started());
-    const std::string status = watch.readLine();
-    EXPECT_NE(status.find("  error: Store illisible : "), std::string::npos) << status;
+    const std::string panel = watch.readPanel();
+    EXPECT_NE(panel.find("\nStore illisible : "), std::string::npos) << panel;
     EXPECT_EQ(watch.stopWith(SIGINT), 0);
 }
 

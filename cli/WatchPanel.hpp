@@ -1,0 +1,83 @@
+#pragma once
+
+#include "PanelRenderer.hpp"
+#include "app/EngineEnvironment.hpp"
+#include "import/UsageImporter.hpp"
+#include "ui/CountingText.hpp"
+#include "ui/LocaleFormatter.hpp"
+#include "ui/MenuModel.hpp"
+#include "ui/TypewriterTitle.hpp"
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <termios.h>
+
+namespace tallowen::cli {
+
+// The panel of `tallowen watch`. On a terminal it is redrawn in place on the
+// alternate screen, with the title typed and the token counter climbing
+// between imports; elsewhere it is printed once after every import.
+class WatchPanelView {
+public:
+    WatchPanelView(const EngineEnvironment& environment, LocaleFormatter locale, std::FILE* stream, bool isTerminal,
+                   bool showsKeyHints, Date started);
+    ~WatchPanelView();
+    WatchPanelView(const WatchPanelView&) = delete;
+    WatchPanelView& operator=(const WatchPanelView&) = delete;
+
+    // An import finished (or the view starts): the store is read again.
+    void reload(const UsageImporter& importer, Date now);
+    // The importer published a change within a run: an import began or ended,
+    // the duplicate purge moved on.
+    void importerChanged(const UsageImporter& importer, Date now);
+    // Between imports: redraws when the title or the counter moved.
+    void animate(Date now);
+    // Leaves the alternate screen and prints the panel as it last stood.
+    void finish();
+
+private:
+    void recompute(Date now);
+    PanelFrame frameAt(Date now) const;
+    void draw(Date now);
+
+    const EngineEnvironment& environment_;
+    LocaleFormatter locale_;
+    std::FILE* stream_;
+    bool isTerminal_;
+    bool showsKeyHints_;
+    Date started_;
+    std::vector<TypewriterFrame> timeline_;
+
+    std::vector<UsageSample> samples_;
+    std::optional<std::string> storeError_;
+    ImporterState importer_;
+    MenuModel model_;
+    Date modelComputedAt_;
+    CountingAnchor counterAnchor_;
+
+    bool onAlternateScreen_ = false;
+    std::string lastDrawn_;
+};
+
+// The keys of `watch`, read without waiting for Enter: the terminal is put in
+// non-canonical, no-echo mode while this object lives, only when standard
+// input is a terminal.
+class WatchKeys {
+public:
+    WatchKeys();
+    ~WatchKeys();
+    WatchKeys(const WatchKeys&) = delete;
+    WatchKeys& operator=(const WatchKeys&) = delete;
+
+    bool active() const { return active_; }
+    // The keys typed since the last call, without waiting; empty when none.
+    std::string pending();
+
+private:
+    bool active_ = false;
+    termios saved_{};
+};
+
+}  // namespace tallowen::cli
