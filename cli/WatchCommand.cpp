@@ -8,7 +8,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <ctime>
 #include <time.h>
 #include <unistd.h>
 
