@@ -12,7 +12,11 @@ std::vector<ToolQuota> latestFreshQuotas(const std::vector<const UsageSample*>& 
         const std::optional<UsageTool> tool = usageToolFromRawValue(sample->tool);
         if (!tool) continue;
         const UsageSample*& held = latest[static_cast<size_t>(*tool)];
-        if (held == nullptr || sample->updatedAt > held->updatedAt) held = sample;
+        // Samples are met newest day first: one import stamps all its samples
+        // with the same `updatedAt`, and the tie must then go to the most recent reading.
+        if (held == nullptr || sample->updatedAt > held->updatedAt ||
+            (sample->updatedAt == held->updatedAt && sample->dayKey > held->dayKey))
+            held = sample;
     }
     const Date oldestShown = now.addingSeconds(-quotaFreshnessSeconds);
     std::vector<ToolQuota> quotas;

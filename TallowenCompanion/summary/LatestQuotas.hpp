@@ -19,7 +19,8 @@ inline constexpr double quotaFreshnessSeconds = 691200.0;  // 8 days
 
 // For each known tool, the sample with a quota percent and the latest
 // `updatedAt` (a later one replaces the held one only when strictly later, so
-// the first met stays on a tie); a tool whose sample is older than
+// the first met stays on a tie, the samples being met newest day first); a
+// tool whose sample is older than
 // `now` − 8 days is left out, one exactly 8 days old stays. In the tools'
 // fixed order.
 std::vector<ToolQuota> latestFreshQuotas(const std::vector<const UsageSample*>& samples, Date now);

@@ -18,7 +18,7 @@ struct MacQuotaBlock {
 };
 
 // The blocks to show: for each known tool, its quota-carrying sample with
-// the latest `updatedAt` (the first met on a tie), unless that is older than
+// the latest `updatedAt` (on a tie, the newest day), unless that is older than
 // eight days; in the tools' fixed order. Empty: the section is not shown.
 std::vector<MacQuotaBlock> chooseQuotaBlocks(const std::vector<UsageSample>& samples, Date now);
 

@@ -129,8 +129,9 @@ TEST_F(ConsumptionSummaryTest, QuotasKeepEachToolsLatestFigures) {
         SampleBuilder("2026-03-02", "claude-code").primaryQuota(40).updatedAt(now_.addingSeconds(-eightDays)).id("cc"),
         SampleBuilder("2026-03-02", "codex").primaryQuota(50).updatedAt(now_.addingSeconds(-eightDays - 1)),
         SampleBuilder("2026-03-09", "mac-chatgpt").secondaryQuota(1).updatedAt(now_.addingSeconds(-10)),
-        SampleBuilder("2026-03-10", "mac-chatgpt").secondaryQuota(2).updatedAt(now_.addingSeconds(-5)).id("first"),
+        // Written by one import: on equal `updatedAt` the newest day's reading wins.
         SampleBuilder("2026-03-08", "mac-chatgpt").primaryQuota(3).updatedAt(now_.addingSeconds(-5)),
+        SampleBuilder("2026-03-10", "mac-chatgpt").secondaryQuota(2).updatedAt(now_.addingSeconds(-5)).id("first"),
         SampleBuilder("2026-03-10", "claude-code").tokens(5).updatedAt(now_),
     });
     // Sorted by label: CHATGPT before CLAUDE CODE.
