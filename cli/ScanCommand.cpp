@@ -70,13 +70,16 @@ std::string tableReport(const LogReadOutcome& outcome) {
     text += line;
     for (const UsageSample& sample : samplesOf(outcome.results)) {
         std::snprintf(line, sizeof line,
-                      "%-10s  %-11s  %8" PRId64 "  %8" PRId64 "  %12" PRId64 "  %12" PRId64 "  %10s  %9" PRId64 "  %s\n",
+                      "%-10s  %-11s  %8" PRId64 "  %8" PRId64 "  %12" PRId64 "  %12" PRId64 "  %10s  %9" PRId64 "  ",
                       sample.dayKey.c_str(), sample.tool.c_str(), sample.sessions, sample.requests,
                       sample.inputTokens, sample.outputTokens, dollarsText(sample.estimatedCostCents).c_str(),
-                      sample.estimatedWaterMilliliters, quotaText(sample).c_str());
+                      sample.estimatedWaterMilliliters);
         text += line;
+        // The plan name has no bound: it is appended, never cut to the buffer.
+        text += quotaText(sample);
         // A row without a quota would end in blanks.
-        while (text.size() > 1 && text[text.size() - 2] == ' ') text.erase(text.size() - 2, 1);
+        while (!text.empty() && text.back() == ' ') text.pop_back();
+        text += '\n';
     }
     std::snprintf(line, sizeof line, "\nfiles read: %" PRId64 ", reused: %" PRId64, outcome.counters.filesRead,
                   outcome.counters.filesReused);

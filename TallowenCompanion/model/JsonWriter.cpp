@@ -1,5 +1,7 @@
 #include "model/JsonWriter.hpp"
 
+#include "model/Utf8Text.hpp"
+
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -8,7 +10,8 @@ namespace tallowen {
 
 void appendJsonEscaped(std::string& out, std::string_view text) {
     out.push_back('"');
-    for (const char c : text) {
+    // A reader of the text rejects the whole document over one ill-formed byte.
+    for (const char c : validUtf8(text)) {
         switch (c) {
             case '"': out += "\\\""; break;
             case '\\': out += "\\\\"; break;

@@ -34,10 +34,18 @@ using Database = std::unique_ptr<sqlite3, DatabaseCloser>;
 using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
 
 // A path inside a file URI: the characters that would end or escape the path
-// part are written as %HH, everything else as it stands.
+// part are written as %HH, everything else as it stands. A path that begins
+// with two slashes (the same folder as one) would read as a host name after
+// "file:", so its second slash is escaped too.
 std::string readOnlyUri(const std::filesystem::path& path) {
     std::string uri = "file:";
-    for (const char c : path.string()) {
+    const std::string text = path.string();
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (i == 1 && c == '/' && text[0] == '/') {
+            uri += "%2f";
+            continue;
+        }
         switch (c) {
             case '%': uri += "%25"; break;
             case '?': uri += "%3f"; break;

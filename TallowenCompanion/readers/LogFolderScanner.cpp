@@ -1,6 +1,7 @@
 #include "readers/LogFolderScanner.hpp"
 
 #include "model/DayKey.hpp"
+#include "model/Utf8Text.hpp"
 #include "readers/DaysFromEvents.hpp"
 #include "readers/MappedFile.hpp"
 #include "readers/TornReadGuard.hpp"
@@ -92,7 +93,10 @@ private:
     void visitLog(const std::string& path, const FolderEntry& entry) {
         const auto size = static_cast<int64_t>(entry.status.st_size);
         const Date modified = modificationDate(entry.status);
-        if (const auto stored = state_.files.find(path);
+        // The state file holds text: a name that is not UTF-8 is known by the
+        // text it is saved as, so that the next run finds it again.
+        const std::string key = validUtf8(path);
+        if (const auto stored = state_.files.find(key);
             stored != state_.files.end() && stored->second.size == size && stored->second.modified == modified) {
             ++counters_.filesReused;
             mergeDayMap(days_, stored->second.days);
@@ -103,7 +107,7 @@ private:
             ++counters_.filesUnreadable;
             return;
         }
-        const std::string sessionId = std::filesystem::path(entry.name).stem().string();
+        const std::string sessionId = validUtf8(std::filesystem::path(entry.name).stem().string());
         FileEntry fresh;
         // What was mapped, not what the listing saw: the entry describes the bytes read.
         fresh.size = file->size();
@@ -120,7 +124,7 @@ private:
         }
         fresh.days = daysOfFile(std::move(reading), sessionId, calendar_);
         mergeDayMap(days_, fresh.days);
-        state_.files[path] = std::move(fresh);
+        state_.files[key] = std::move(fresh);
         ++counters_.filesRead;
     }
 

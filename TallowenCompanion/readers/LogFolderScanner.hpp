@@ -32,7 +32,7 @@ struct FolderScan {
 // whose size and modification time match its entry in `state` keeps its stored
 // days; any other is mapped, read with `reader` and its entry renewed. A file
 // that cannot be read keeps its old entry and counts for nothing this time.
-// Entries are keyed by the file's absolute path.
+// Entries are keyed by the file's absolute path as text.
 FolderScan scan(const std::filesystem::path& folder, ImportState& state, const LogFileReader& reader,
                 const LocalCalendar& calendar);
 

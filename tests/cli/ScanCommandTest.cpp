@@ -114,6 +114,20 @@ TEST_F(ScanCommandTest, PrintsEachDayOfEachToolAsJsonOrAsATableAndTheSameWhenWar
     EXPECT_NE(text.find("\nfiles read: 0, reused: 4\n"), std::string::npos) << text;
 }
 
+TEST_F(ScanCommandTest, ALongPlanNameEndsItsOwnTableRow) {
+    const std::string plan(600, 'p');
+    scratch.write("home/.codex/sessions/a.jsonl",
+                  R"({"timestamp":"2025-03-14T10:00:00Z","payload":{"type":"token_count","info":null,)"
+                  R"("rate_limits":{"primary":{"used_percent":50.0},"plan_type":")" + plan + "\"}}}\n");
+    scratch.write("home/.codex/sessions/b.jsonl",
+                  R"({"timestamp":"2025-03-15T10:00:00Z","payload":{"type":"token_count","info":null,)"
+                  R"("rate_limits":{"plan_type":"plus"}}})" "\n");
+    const auto table = scan();
+    EXPECT_EQ(table.exitStatus, 0);
+    EXPECT_NE(table.standardOutput.find("50% / - " + plan + "\n2025-03-15  codex "), std::string::npos)
+        << table.standardOutput;
+}
+
 TEST_F(ScanCommandTest, AStateFileThatCannotBeUsedMeansAFullReadNotAFailure) {
     writeHome();
     const std::string states[] = {"not json", R"({"version":5,"files":{"/x)",

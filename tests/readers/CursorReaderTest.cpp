@@ -139,6 +139,11 @@ TEST(CursorReaderTest, OpensAPathWithUriCharactersReadOnly) {
     EXPECT_EQ(days->at("2025-03-14").inputTokens, 10);
     EXPECT_EQ(std::filesystem::last_write_time(home / macPlace), before);
     EXPECT_FALSE(std::filesystem::exists(home / (macPlace.string() + "-journal")));
+
+    // Two leading slashes name the same folder; in a URI they would start a host name.
+    const auto doubled = readCursorUsage("/" + home.string(), LocalCalendar{});
+    ASSERT_TRUE(doubled);
+    EXPECT_EQ(*doubled, *days);
 }
 
 }  // namespace

@@ -249,6 +249,25 @@ TEST_F(LogFolderScannerTest, ASavedAndReloadedStateMakesAWarmRunThatReadsNothing
     EXPECT_EQ(warm.days, cold.days);
 }
 
+TEST_F(LogFolderScannerTest, ALogNameThatIsNotUtf8NeitherSpoilsTheSavedStateNorIsReadAgain) {
+    const Date morning = localDate(2025, 3, 14, 10);
+    home.write("projects/plain.jsonl", eventLine(morning, 1, 1));
+    home.write("projects/caf\xe9-\xff.jsonl", eventLine(morning, 100, 10));
+    const FolderScan cold = scanFolder();
+    ASSERT_EQ(cold.counters.filesRead, 2);
+    EXPECT_EQ(cold.days->at("2025-03-14").sessions,
+              (std::set<std::string>{"caf\xef\xbf\xbd-\xef\xbf\xbd#0", "plain#0"}));
+    const ImportStateFile file(home.path() / "support");
+    ASSERT_TRUE(file.save(state));
+
+    state = file.load();
+    EXPECT_EQ(state.files.size(), 2u);
+    const FolderScan warm = scanFolder();
+    EXPECT_EQ(warm.counters.filesRead, 0);
+    EXPECT_EQ(warm.counters.filesReused, 2);
+    EXPECT_EQ(warm.days, cold.days);
+}
+
 TEST_F(LogFolderScannerTest, AFilesLatestQuotaGoesToTheDayItWasTakenAndTheLaterOneWins) {
     const Date day14 = localDate(2025, 3, 14, 10);
     const Date day15 = localDate(2025, 3, 15, 0, 30);
