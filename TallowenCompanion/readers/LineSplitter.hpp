@@ -15,6 +15,7 @@ void forEachLine(std::string_view bytes, OnLine&& onLine) {
         const void* found = std::memchr(cursor, '\n', static_cast<size_t>(end - cursor));
         const char* lineEnd = found ? static_cast<const char*>(found) : end;
         if (lineEnd > cursor) onLine(std::string_view(cursor, static_cast<size_t>(lineEnd - cursor)));
+        if (found == nullptr) break;
         cursor = lineEnd + 1;
     }
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace tallowen {
 namespace {
 
@@ -96,6 +98,12 @@ TEST(ImportStateFileTest, SaveReplacesATruncatedFileWhole) {
     EXPECT_TRUE(file.load().files.empty());
     ASSERT_TRUE(file.save(sampleState()));
     EXPECT_EQ(file.load(), sampleState());
+}
+
+TEST(ImportStateFileTest, AFifoInPlaceOfTheFileLoadsAsANewStateWithoutWaiting) {
+    TempDir dir;
+    ASSERT_EQ(::mkfifo((dir.path() / "import-state.json").c_str(), 0600), 0);
+    EXPECT_TRUE(ImportStateFile(dir.path()).load().files.empty());
 }
 
 }  // namespace
