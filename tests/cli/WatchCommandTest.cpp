@@ -4,10 +4,18 @@
 
 #include <gtest/gtest.h>
 
+#include <sqlite3.h>
+
+#include <chrono>
 #include <csignal>
+#include <poll.h>
+#include <pty.h>
 #include <string>
 #include <sys/wait.h>
+#include <termios.h>
+#include <thread>
 #include <unistd.h>
+#include <utmp.h>
 
 namespace tallowen {
 namespace {
@@ -109,6 +117,68 @@ TEST(WatchCommandTest, ShowsTheLastErrorInThePanel) {
     const std::string panel = watch.readPanel();
     EXPECT_NE(panel.find("\nStore illisible : "), std::string::npos) << panel;
     EXPECT_EQ(watch.stopWith(SIGINT), 0);
+}
+
+// Appends what `fd` gives within `milliseconds`, or until nothing more comes.
+void readAvailable(int fd, std::string& into, int milliseconds) {
+    pollfd waiting{fd, POLLIN, 0};
+    char buffer[4096];
+    while (::poll(&waiting, 1, milliseconds) == 1) {
+        const ssize_t count = ::read(fd, buffer, sizeof buffer);
+        if (count <= 0) return;
+        into.append(buffer, static_cast<size_t>(count));
+    }
+}
+
+TEST(WatchCommandTest, ASecondInterruptWhileARunEndsStillHandsTheTerminalBack) {
+    TempDir scratch;
+    testing::writeUsageHome(scratch, "home");
+    const auto storePath = scratch.path() / "data" / "store.sqlite";
+    std::filesystem::create_directories(storePath.parent_path());
+    SqliteSampleStore(storePath).count();
+    // Another writer holds the store, so the run cannot end while the keys come.
+    sqlite3* blocker = nullptr;
+    ASSERT_EQ(sqlite3_open(storePath.c_str(), &blocker), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(blocker, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+
+    int master = -1;
+    int terminal = -1;
+    ASSERT_EQ(::openpty(&master, &terminal, nullptr, nullptr, nullptr), 0);
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::close(master);
+        ::login_tty(::dup(terminal));
+        ::setenv("TZ", "Europe/Paris", 1);
+        ::execl(TALLOWEN_EXE, TALLOWEN_EXE, "watch", "--home", (scratch.path() / "home").c_str(), "--data",
+                (scratch.path() / "data").c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    ASSERT_GT(pid, 0);
+    std::string output;
+    for (int wait = 0; wait < 100 && output.find("IMPORT…") == std::string::npos; ++wait)
+        readAvailable(master, output, 100);
+    ASSERT_NE(output.find("IMPORT…"), std::string::npos) << output;
+
+    ::kill(pid, SIGINT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ::kill(pid, SIGINT);
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    readAvailable(master, output, 100);
+    sqlite3_exec(blocker, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(blocker);
+
+    // The process ends at once, as asked, yet leaves the terminal as it found it.
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+    termios settings{};
+    ASSERT_EQ(::tcgetattr(terminal, &settings), 0);
+    EXPECT_NE(settings.c_lflag & ICANON, 0u);
+    EXPECT_NE(settings.c_lflag & ECHO, 0u);
+    const size_t leftAlternateScreen = output.rfind("\x1b[?1049l");
+    ASSERT_NE(leftAlternateScreen, std::string::npos);
+    EXPECT_GT(leftAlternateScreen, output.rfind("\x1b[?1049h"));
+    ::close(master);
+    ::close(terminal);
 }
 
 }  // namespace
