@@ -26,13 +26,9 @@ termios settingsToRestore{};
 volatile std::sig_atomic_t restoresSettings = 0;
 volatile std::sig_atomic_t leavesAlternateScreen = 0;
 
-extern "C" void requestStop(int signal) {
-    if (stopRequested == 0) {
-        stopRequested = 1;
-        return;
-    }
-    // A second request ends the process at once (the store is left as its
-    // last saved state), with the terminal as the user had it.
+// Puts the terminal back as the user had it, then lets the signal end the
+// process with its default effect (the store is left as its last saved state).
+void handTerminalBackAndEnd(int signal) {
     if (restoresSettings != 0) ::tcsetattr(STDIN_FILENO, TCSANOW, &settingsToRestore);
     if (leavesAlternateScreen != 0) {
         const ssize_t ignored = ::write(STDOUT_FILENO, leaveAlternateScreen.data(), leaveAlternateScreen.size());
@@ -42,17 +38,36 @@ extern "C" void requestStop(int signal) {
     byDefault.sa_handler = SIG_DFL;
     sigemptyset(&byDefault.sa_mask);
     sigaction(signal, &byDefault, nullptr);
-    // Blocked while this handler runs: delivered, with its default effect, on return.
+    // Blocked while the handler runs: delivered, with its default effect, on return.
     ::raise(signal);
 }
 
-// Ctrl-C and SIGTERM ask the loop to stop, a second one ends the process.
-void installStopHandlers() {
+extern "C" void requestStop(int signal) {
+    if (stopRequested == 0) {
+        stopRequested = 1;
+        return;
+    }
+    // A second request ends the process at once.
+    handTerminalBackAndEnd(signal);
+}
+
+extern "C" void endAtOnce(int signal) { handTerminalBackAndEnd(signal); }
+
+void installHandler(int signal, void (*handler)(int)) {
     struct sigaction action {};
-    action.sa_handler = requestStop;
+    action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    sigaction(signal, &action, nullptr);
+}
+
+// Ctrl-C and SIGTERM ask the loop to stop, a second one ends the process. A
+// closed output (the reader of `watch | head` gone) and the quit key end it
+// at once. Either way the terminal is handed back first.
+void installStopHandlers() {
+    installHandler(SIGINT, requestStop);
+    installHandler(SIGTERM, requestStop);
+    installHandler(SIGPIPE, endAtOnce);
+    installHandler(SIGQUIT, endAtOnce);
 }
 
 // From now on a forced stop puts `keys`' settings back and leaves the

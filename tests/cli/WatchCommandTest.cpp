@@ -119,16 +119,76 @@ TEST(WatchCommandTest, ShowsTheLastErrorInThePanel) {
     EXPECT_EQ(watch.stopWith(SIGINT), 0);
 }
 
-// Appends what `fd` gives within `milliseconds`, or until nothing more comes.
-void readAvailable(int fd, std::string& into, int milliseconds) {
-    pollfd waiting{fd, POLLIN, 0};
-    char buffer[4096];
-    while (::poll(&waiting, 1, milliseconds) == 1) {
-        const ssize_t count = ::read(fd, buffer, sizeof buffer);
-        if (count <= 0) return;
-        into.append(buffer, static_cast<size_t>(count));
+// `tallowen watch` on a pseudo-terminal, as a person runs it: keys and panel
+// on the same terminal, whose settings the test can read once it has ended.
+class WatchOnTerminal {
+public:
+    WatchOnTerminal(const std::filesystem::path& home, const std::filesystem::path& data) {
+        if (::openpty(&master_, &terminal_, nullptr, nullptr, nullptr) != 0) return;
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::close(master_);
+            ::login_tty(::dup(terminal_));
+            ::setenv("TZ", "Europe/Paris", 1);
+            ::execl(TALLOWEN_EXE, TALLOWEN_EXE, "watch", "--home", home.c_str(), "--data", data.c_str(),
+                    static_cast<char*>(nullptr));
+            _exit(127);
+        }
     }
-}
+    ~WatchOnTerminal() {
+        if (pid_ > 0 && !ended_) {
+            ::kill(pid_, SIGKILL);
+            ::waitpid(pid_, nullptr, 0);
+        }
+        if (master_ >= 0) ::close(master_);
+        if (terminal_ >= 0) ::close(terminal_);
+    }
+
+    bool started() const { return pid_ > 0; }
+    const std::string& output() const { return output_; }
+
+    // Reads the screen's output until `text` shows, for a few seconds at most.
+    bool waitFor(std::string_view text) {
+        for (int wait = 0; wait < 100 && output_.find(text) == std::string::npos; ++wait) readAvailable(100);
+        return output_.find(text) != std::string::npos;
+    }
+    void signal(int number) const { ::kill(pid_, number); }
+    // The wait status once the process has ended.
+    int waitForEnd() {
+        int status = 0;
+        ::waitpid(pid_, &status, 0);
+        ended_ = true;
+        readAvailable(100);
+        return status;
+    }
+    // Whether the keyboard is back in line mode with echo, and the user's screen shown again.
+    void expectTerminalHandedBack() const {
+        termios settings{};
+        ASSERT_EQ(::tcgetattr(terminal_, &settings), 0);
+        EXPECT_NE(settings.c_lflag & ICANON, 0u);
+        EXPECT_NE(settings.c_lflag & ECHO, 0u);
+        const size_t leftAlternateScreen = output_.rfind("\x1b[?1049l");
+        ASSERT_NE(leftAlternateScreen, std::string::npos);
+        EXPECT_GT(leftAlternateScreen, output_.rfind("\x1b[?1049h"));
+    }
+
+private:
+    void readAvailable(int milliseconds) {
+        pollfd waiting{master_, POLLIN, 0};
+        char buffer[4096];
+        while (::poll(&waiting, 1, milliseconds) == 1) {
+            const ssize_t count = ::read(master_, buffer, sizeof buffer);
+            if (count <= 0) return;
+            output_.append(buffer, static_cast<size_t>(count));
+        }
+    }
+
+    int master_ = -1;
+    int terminal_ = -1;
+    pid_t pid_ = -1;
+    bool ended_ = false;
+    std::string output_;
+};
 
 TEST(WatchCommandTest, ASecondInterruptWhileARunEndsStillHandsTheTerminalBack) {
     TempDir scratch;
@@ -141,44 +201,35 @@ TEST(WatchCommandTest, ASecondInterruptWhileARunEndsStillHandsTheTerminalBack) {
     ASSERT_EQ(sqlite3_open(storePath.c_str(), &blocker), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(blocker, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
 
-    int master = -1;
-    int terminal = -1;
-    ASSERT_EQ(::openpty(&master, &terminal, nullptr, nullptr, nullptr), 0);
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::close(master);
-        ::login_tty(::dup(terminal));
-        ::setenv("TZ", "Europe/Paris", 1);
-        ::execl(TALLOWEN_EXE, TALLOWEN_EXE, "watch", "--home", (scratch.path() / "home").c_str(), "--data",
-                (scratch.path() / "data").c_str(), static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    ASSERT_GT(pid, 0);
-    std::string output;
-    for (int wait = 0; wait < 100 && output.find("IMPORT…") == std::string::npos; ++wait)
-        readAvailable(master, output, 100);
-    ASSERT_NE(output.find("IMPORT…"), std::string::npos) << output;
-
-    ::kill(pid, SIGINT);
+    WatchOnTerminal watch(scratch.path() / "home", scratch.path() / "data");
+    ASSERT_TRUE(watch.started());
+    ASSERT_TRUE(watch.waitFor("IMPORT…")) << watch.output();
+    watch.signal(SIGINT);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    ::kill(pid, SIGINT);
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    readAvailable(master, output, 100);
+    watch.signal(SIGINT);
+    const int status = watch.waitForEnd();
     sqlite3_exec(blocker, "ROLLBACK", nullptr, nullptr, nullptr);
     sqlite3_close(blocker);
 
     // The process ends at once, as asked, yet leaves the terminal as it found it.
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
-    termios settings{};
-    ASSERT_EQ(::tcgetattr(terminal, &settings), 0);
-    EXPECT_NE(settings.c_lflag & ICANON, 0u);
-    EXPECT_NE(settings.c_lflag & ECHO, 0u);
-    const size_t leftAlternateScreen = output.rfind("\x1b[?1049l");
-    ASSERT_NE(leftAlternateScreen, std::string::npos);
-    EXPECT_GT(leftAlternateScreen, output.rfind("\x1b[?1049h"));
-    ::close(master);
-    ::close(terminal);
+    watch.expectTerminalHandedBack();
+}
+
+TEST(WatchCommandTest, AClosedOutputOrAQuitKeyEndsAtOnceAndHandsTheTerminalBack) {
+    // SIGPIPE comes when the reader of `watch | head` is gone, SIGQUIT from the quit key (Ctrl-\).
+    for (const int signal : {SIGPIPE, SIGQUIT}) {
+        SCOPED_TRACE(signal);
+        TempDir scratch;
+        testing::writeUsageHome(scratch, "home");
+        WatchOnTerminal watch(scratch.path() / "home", scratch.path() / "data");
+        ASSERT_TRUE(watch.started());
+        ASSERT_TRUE(watch.waitFor("QUITTER")) << watch.output();
+        watch.signal(signal);
+        const int status = watch.waitForEnd();
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+        watch.expectTerminalHandedBack();
+    }
 }
 
 }  // namespace
