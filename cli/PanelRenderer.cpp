@@ -120,7 +120,11 @@ void quotaSection(Lines& out, const MenuModel& model) {
     out.paint(StyleRole::secondary, menu_text::quotasTitle);
     for (const MenuQuotaBlock& block : model.quotaBlocks) {
         std::string header = style.paint(StyleRole::primary, block.label);
-        if (block.plan) header += " " + style.paint(StyleRole::secondary, *block.plan);
+        if (block.plan) {
+            // A plan name of any length keeps the header on one line.
+            const int planColumns = panelWidth - displayWidth(block.label) - 1;
+            header += " " + style.paint(StyleRole::secondary, truncatedToWidth(*block.plan, planColumns));
+        }
         out.add(std::move(header));
         for (const MenuQuotaBar& bar : block.bars) {
             const StyleRole role = bar.warning ? StyleRole::warning : StyleRole::primary;

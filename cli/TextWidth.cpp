@@ -48,6 +48,26 @@ std::string spread(std::string_view left, std::string_view right, int width) {
     return std::string(left) + spaces(gap < 1 ? 1 : gap) + std::string(right);
 }
 
+std::string truncatedToWidth(std::string_view text, int width) {
+    if (displayWidth(text) <= width) return std::string(text);
+    constexpr std::string_view ellipsis = "…";
+    const int room = width - displayWidth(ellipsis);
+    if (room < 0) return {};
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    const auto length = static_cast<int32_t>(text.size());
+    int32_t at = 0;
+    int used = 0;
+    while (at < length) {
+        int32_t next = at;
+        UChar32 c = 0;
+        U8_NEXT(bytes, next, length, c);
+        used += codePointWidth(c);
+        if (used > room) break;
+        at = next;
+    }
+    return std::string(text.substr(0, static_cast<size_t>(at))) + std::string(ellipsis);
+}
+
 std::vector<std::string> wrapText(std::string_view text, int width) {
     std::vector<std::string> lines;
     std::string line;

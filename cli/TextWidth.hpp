@@ -19,6 +19,10 @@ std::string padLeft(std::string_view text, int width);
 // `left`, then `right` flush with column `width`, at least one space between.
 std::string spread(std::string_view left, std::string_view right, int width);
 
+// Plain text cut to at most `width` columns between whole characters, ended
+// with "…" when something was cut.
+std::string truncatedToWidth(std::string_view text, int width);
+
 // Breaks plain text (no escape sequences) into lines of at most `width`
 // columns at spaces; a word wider than a line is cut between characters.
 std::vector<std::string> wrapText(std::string_view text, int width);

@@ -6,29 +6,79 @@
 
 #include "app/ImportScheduler.hpp"
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <termios.h>
 #include <time.h>
 #include <unistd.h>
 
 namespace tallowen::cli {
 namespace {
 
-// Set by the signal handler, read by the loop: the one thing a handler may
-// touch, so it has to live outside any object.
+// A signal handler reaches only state that lives outside any object: the
+// stop request that the loop reads, and what a forced stop hands back.
 volatile std::sig_atomic_t stopRequested = 0;
 
-extern "C" void requestStop(int) { stopRequested = 1; }
+// The keyboard's settings from before `watch` and whether the panel may be
+// on the alternate screen: written once before the handler reads them.
+termios settingsToRestore{};
+volatile std::sig_atomic_t restoresSettings = 0;
+volatile std::sig_atomic_t leavesAlternateScreen = 0;
 
-// Ctrl-C and SIGTERM ask the loop to stop; a second one ends the process at
-// once (the store is left as its last saved state).
-void installStopHandlers() {
+// Puts the terminal back as the user had it, then lets the signal end the
+// process with its default effect (the store is left as its last saved state).
+void handTerminalBackAndEnd(int signal) {
+    if (restoresSettings != 0) ::tcsetattr(STDIN_FILENO, TCSANOW, &settingsToRestore);
+    if (leavesAlternateScreen != 0) {
+        const ssize_t ignored = ::write(STDOUT_FILENO, leaveAlternateScreen.data(), leaveAlternateScreen.size());
+        static_cast<void>(ignored);
+    }
+    struct sigaction byDefault {};
+    byDefault.sa_handler = SIG_DFL;
+    sigemptyset(&byDefault.sa_mask);
+    sigaction(signal, &byDefault, nullptr);
+    // Blocked while the handler runs: delivered, with its default effect, on return.
+    ::raise(signal);
+}
+
+extern "C" void requestStop(int signal) {
+    if (stopRequested == 0) {
+        stopRequested = 1;
+        return;
+    }
+    // A second request ends the process at once.
+    handTerminalBackAndEnd(signal);
+}
+
+extern "C" void endAtOnce(int signal) { handTerminalBackAndEnd(signal); }
+
+void installHandler(int signal, void (*handler)(int)) {
     struct sigaction action {};
-    action.sa_handler = requestStop;
+    action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESETHAND;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    sigaction(signal, &action, nullptr);
+}
+
+// Ctrl-C and SIGTERM ask the loop to stop, a second one ends the process. A
+// closed output (the reader of `watch | head` gone) and the quit key end it
+// at once. Either way the terminal is handed back first.
+void installStopHandlers() {
+    installHandler(SIGINT, requestStop);
+    installHandler(SIGTERM, requestStop);
+    installHandler(SIGPIPE, endAtOnce);
+    installHandler(SIGQUIT, endAtOnce);
+}
+
+// From now on a forced stop puts `keys`' settings back and leaves the
+// alternate screen when the panel may be on it.
+void restoreTerminalOnForcedStop(const WatchKeys& keys, bool outputIsTerminal) {
+    if (const termios* saved = keys.savedSettings()) {
+        settingsToRestore = *saved;
+        std::atomic_signal_fence(std::memory_order_release);
+        restoresSettings = 1;
+    }
+    leavesAlternateScreen = outputIsTerminal ? 1 : 0;
 }
 
 // Short enough for the title's erasing (a character every 45 ms) to show each step.
@@ -60,8 +110,10 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
 
     WatchKeys keys;
-    WatchPanelView view(*environment, LocaleFormatter::forProcess(), stdout, ::isatty(STDOUT_FILENO) == 1,
-                        keys.active(), environment->clock());
+    const bool outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
+    restoreTerminalOnForcedStop(keys, outputIsTerminal);
+    WatchPanelView view(*environment, LocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
+                        environment->clock());
     // The purge runs inside the end of a run: its progress is drawn as it is published.
     importer.setObserver([&](ImporterProperty property) {
         if (property == ImporterProperty::isImporting || property == ImporterProperty::purgeProgress)

@@ -10,8 +10,6 @@
 namespace tallowen::cli {
 namespace {
 
-constexpr const char* enterAlternateScreen = "\x1b[?1049h\x1b[?25l";
-constexpr const char* leaveAlternateScreen = "\x1b[?25h\x1b[?1049l";
 // A model holds times of day and reset delays: it is recomputed this often between imports.
 constexpr double modelRefreshSeconds = 1.0;
 
@@ -34,7 +32,7 @@ WatchPanelView::WatchPanelView(const EngineEnvironment& environment, LocaleForma
 
 WatchPanelView::~WatchPanelView() {
     if (onAlternateScreen_) {
-        std::fputs(leaveAlternateScreen, stream_);
+        std::fwrite(leaveAlternateScreen.data(), 1, leaveAlternateScreen.size(), stream_);
         std::fflush(stream_);
     }
 }
@@ -85,7 +83,7 @@ void WatchPanelView::animate(Date now) {
 void WatchPanelView::finish() {
     if (!isTerminal_) return;
     if (onAlternateScreen_) {
-        std::fputs(leaveAlternateScreen, stream_);
+        std::fwrite(leaveAlternateScreen.data(), 1, leaveAlternateScreen.size(), stream_);
         onAlternateScreen_ = false;
     }
     if (!lastDrawn_.empty()) {
@@ -120,7 +118,7 @@ void WatchPanelView::draw(Date now) {
     if (text == lastDrawn_) return;
     lastDrawn_ = text;
     if (!onAlternateScreen_) {
-        std::fputs(enterAlternateScreen, stream_);
+        std::fwrite(enterAlternateScreen.data(), 1, enterAlternateScreen.size(), stream_);
         onAlternateScreen_ = true;
     }
     // Home, the lines each clearing what a longer one left, then clear below.

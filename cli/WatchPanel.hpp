@@ -10,11 +10,17 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <termios.h>
 
 namespace tallowen::cli {
+
+// The panel is drawn on the terminal's alternate screen, cursor hidden; leaving
+// gives the user's screen and cursor back.
+inline constexpr std::string_view enterAlternateScreen = "\x1b[?1049h\x1b[?25l";
+inline constexpr std::string_view leaveAlternateScreen = "\x1b[?25h\x1b[?1049l";
 
 // The panel of `tallowen watch`. On a terminal it is redrawn in place on the
 // alternate screen, with the title typed and the token counter climbing
@@ -72,6 +78,8 @@ public:
     WatchKeys& operator=(const WatchKeys&) = delete;
 
     bool active() const { return active_; }
+    // The terminal's settings from before, to be put back; none when untouched.
+    const termios* savedSettings() const { return active_ ? &saved_ : nullptr; }
     // The keys typed since the last call, without waiting; empty when none.
     std::string pending();
 

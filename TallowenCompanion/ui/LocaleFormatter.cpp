@@ -84,13 +84,13 @@ std::string LocaleFormatter::timeAgo(double elapsedSeconds) const {
     const double seconds = std::isfinite(elapsedSeconds) && elapsedSeconds > 0 ? elapsedSeconds : 0;
     struct Unit {
         double seconds;
-        UDateRelativeUnit unit;
+        URelativeDateTimeUnit unit;
     };
     // Months and years as the fixed lengths a reader rounds to anyway.
     constexpr Unit units[] = {
-        {365.0 * 86400, UDAT_RELATIVE_YEARS}, {30.0 * 86400, UDAT_RELATIVE_MONTHS}, {7.0 * 86400, UDAT_RELATIVE_WEEKS},
-        {86400, UDAT_RELATIVE_DAYS},          {3600, UDAT_RELATIVE_HOURS},          {60, UDAT_RELATIVE_MINUTES},
-        {1, UDAT_RELATIVE_SECONDS},
+        {365.0 * 86400, UDAT_REL_UNIT_YEAR}, {30.0 * 86400, UDAT_REL_UNIT_MONTH}, {7.0 * 86400, UDAT_REL_UNIT_WEEK},
+        {86400, UDAT_REL_UNIT_DAY},          {3600, UDAT_REL_UNIT_HOUR},          {60, UDAT_REL_UNIT_MINUTE},
+        {1, UDAT_REL_UNIT_SECOND},
     };
     Unit chosen = units[std::size(units) - 1];
     for (const Unit& unit : units) {
@@ -104,7 +104,8 @@ std::string LocaleFormatter::timeAgo(double elapsedSeconds) const {
     icu::RelativeDateTimeFormatter formatter(icu::Locale(localeName_.c_str()), nullptr, UDAT_STYLE_LONG,
                                              UDISPCTX_CAPITALIZATION_NONE, status);
     icu::UnicodeString text;
-    if (U_SUCCESS(status)) formatter.format(count, UDAT_DIRECTION_LAST, chosen.unit, text, status);
+    // The named form where the language has one ("hier", "la semaine dernière"), else the number.
+    if (U_SUCCESS(status)) formatter.format(-count, chosen.unit, text, status);
     if (U_SUCCESS(status)) return utf8(text);
     char buffer[64];
     std::snprintf(buffer, sizeof buffer, "%.0f s", seconds);

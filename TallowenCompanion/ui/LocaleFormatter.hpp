@@ -29,8 +29,9 @@ public:
     std::string groupedInteger(int64_t value) const;
     // An amount in US dollars ("USD") with exactly `fractionDigits` fraction digits.
     std::string usDollars(double dollars, int fractionDigits) const;
-    // How long ago, in named, wide units: "il y a 3 heures", "3 hours ago". The
-    // largest unit that holds the interval at least once is used, truncated.
+    // How long ago, in named, wide units: "il y a 3 heures", "hier", "3 hours
+    // ago", "yesterday". The largest unit that holds the interval at least
+    // once is used, truncated.
     std::string timeAgo(double elapsedSeconds) const;
     // The local time of day of `date` (process time zone) in the locale's short style.
     std::string shortTime(Date date) const;

@@ -46,7 +46,7 @@ MenuModel fullModel() {
     model.weekLine = "123456 recours · 12345,7 M · 1\u202f234\u202f567\u00a0$US";
     model.quotaBlocks = {{UsageTool::codex,
                           "CODEX",
-                          std::string("PLUS"),
+                          std::string("ENTERPRISE TEAM UNLIMITED PRO MAX 2026 PLAN"),
                           {{"5H", 130, 1, "100 %", true, std::string("reset 59 min")},
                            {"7J", 12, 0.12, "12 %", false, std::nullopt}}}};
     model.hasDetectedTools = true;
@@ -89,6 +89,9 @@ TEST(PanelRendererTest, FullPanelFitsFortyEightColumnsInTheMenuOrder) {
         EXPECT_NE(indexOf(lines, "IMPORT…"), std::string::npos);
         EXPECT_NE(indexOf(lines, "Import 23:59"), std::string::npos);
         EXPECT_NE(indexOf(lines, "verrouillée"), std::string::npos);
+        if (!colors) {
+            EXPECT_NE(indexOf(lines, "CODEX ENTERPRISE TEAM UNLIMITED PRO MAX 2026 PL…"), std::string::npos);
+        }
     }
 }
 

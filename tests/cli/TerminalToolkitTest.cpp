@@ -35,6 +35,11 @@ TEST(TextWidthTest, CountsColumnsNotBytes) {
     EXPECT_EQ(padRight("ÉTÉ", 2), "ÉTÉ");
     EXPECT_EQ(spread("IMPORTER", "QUITTER", 20), "IMPORTER     QUITTER");
     EXPECT_EQ(spread("IMPORTER", "QUITTER", 10), "IMPORTER QUITTER");
+
+    EXPECT_EQ(truncatedToWidth("ÉTÉ", 3), "ÉTÉ");
+    EXPECT_EQ(truncatedToWidth("ÉTÉS", 3), "ÉT…");
+    EXPECT_EQ(truncatedToWidth("日本語", 4), "日…");
+    EXPECT_EQ(truncatedToWidth("PLUS", 0), "");
 }
 
 TEST(TextWidthTest, WrapsAtSpacesWithinTheWidth) {

@@ -4,10 +4,18 @@
 
 #include <gtest/gtest.h>
 
+#include <sqlite3.h>
+
+#include <chrono>
 #include <csignal>
+#include <poll.h>
+#include <pty.h>
 #include <string>
 #include <sys/wait.h>
+#include <termios.h>
+#include <thread>
 #include <unistd.h>
+#include <utmp.h>
 
 namespace tallowen {
 namespace {
@@ -109,6 +117,119 @@ TEST(WatchCommandTest, ShowsTheLastErrorInThePanel) {
     const std::string panel = watch.readPanel();
     EXPECT_NE(panel.find("\nStore illisible : "), std::string::npos) << panel;
     EXPECT_EQ(watch.stopWith(SIGINT), 0);
+}
+
+// `tallowen watch` on a pseudo-terminal, as a person runs it: keys and panel
+// on the same terminal, whose settings the test can read once it has ended.
+class WatchOnTerminal {
+public:
+    WatchOnTerminal(const std::filesystem::path& home, const std::filesystem::path& data) {
+        if (::openpty(&master_, &terminal_, nullptr, nullptr, nullptr) != 0) return;
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::close(master_);
+            ::login_tty(::dup(terminal_));
+            ::setenv("TZ", "Europe/Paris", 1);
+            ::execl(TALLOWEN_EXE, TALLOWEN_EXE, "watch", "--home", home.c_str(), "--data", data.c_str(),
+                    static_cast<char*>(nullptr));
+            _exit(127);
+        }
+    }
+    ~WatchOnTerminal() {
+        if (pid_ > 0 && !ended_) {
+            ::kill(pid_, SIGKILL);
+            ::waitpid(pid_, nullptr, 0);
+        }
+        if (master_ >= 0) ::close(master_);
+        if (terminal_ >= 0) ::close(terminal_);
+    }
+
+    bool started() const { return pid_ > 0; }
+    const std::string& output() const { return output_; }
+
+    // Reads the screen's output until `text` shows, for a few seconds at most.
+    bool waitFor(std::string_view text) {
+        for (int wait = 0; wait < 100 && output_.find(text) == std::string::npos; ++wait) readAvailable(100);
+        return output_.find(text) != std::string::npos;
+    }
+    void signal(int number) const { ::kill(pid_, number); }
+    // The wait status once the process has ended.
+    int waitForEnd() {
+        int status = 0;
+        ::waitpid(pid_, &status, 0);
+        ended_ = true;
+        readAvailable(100);
+        return status;
+    }
+    // Whether the keyboard is back in line mode with echo, and the user's screen shown again.
+    void expectTerminalHandedBack() const {
+        termios settings{};
+        ASSERT_EQ(::tcgetattr(terminal_, &settings), 0);
+        EXPECT_NE(settings.c_lflag & ICANON, 0u);
+        EXPECT_NE(settings.c_lflag & ECHO, 0u);
+        const size_t leftAlternateScreen = output_.rfind("\x1b[?1049l");
+        ASSERT_NE(leftAlternateScreen, std::string::npos);
+        EXPECT_GT(leftAlternateScreen, output_.rfind("\x1b[?1049h"));
+    }
+
+private:
+    void readAvailable(int milliseconds) {
+        pollfd waiting{master_, POLLIN, 0};
+        char buffer[4096];
+        while (::poll(&waiting, 1, milliseconds) == 1) {
+            const ssize_t count = ::read(master_, buffer, sizeof buffer);
+            if (count <= 0) return;
+            output_.append(buffer, static_cast<size_t>(count));
+        }
+    }
+
+    int master_ = -1;
+    int terminal_ = -1;
+    pid_t pid_ = -1;
+    bool ended_ = false;
+    std::string output_;
+};
+
+TEST(WatchCommandTest, ASecondInterruptWhileARunEndsStillHandsTheTerminalBack) {
+    TempDir scratch;
+    testing::writeUsageHome(scratch, "home");
+    const auto storePath = scratch.path() / "data" / "store.sqlite";
+    std::filesystem::create_directories(storePath.parent_path());
+    SqliteSampleStore(storePath).count();
+    // Another writer holds the store, so the run cannot end while the keys come.
+    sqlite3* blocker = nullptr;
+    ASSERT_EQ(sqlite3_open(storePath.c_str(), &blocker), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(blocker, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+
+    WatchOnTerminal watch(scratch.path() / "home", scratch.path() / "data");
+    ASSERT_TRUE(watch.started());
+    ASSERT_TRUE(watch.waitFor("IMPORT…")) << watch.output();
+    watch.signal(SIGINT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    watch.signal(SIGINT);
+    const int status = watch.waitForEnd();
+    sqlite3_exec(blocker, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(blocker);
+
+    // The process ends at once, as asked, yet leaves the terminal as it found it.
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+    watch.expectTerminalHandedBack();
+}
+
+TEST(WatchCommandTest, AClosedOutputOrAQuitKeyEndsAtOnceAndHandsTheTerminalBack) {
+    // SIGPIPE comes when the reader of `watch | head` is gone, SIGQUIT from the quit key (Ctrl-\).
+    for (const int signal : {SIGPIPE, SIGQUIT}) {
+        SCOPED_TRACE(signal);
+        TempDir scratch;
+        testing::writeUsageHome(scratch, "home");
+        WatchOnTerminal watch(scratch.path() / "home", scratch.path() / "data");
+        ASSERT_TRUE(watch.started());
+        ASSERT_TRUE(watch.waitFor("QUITTER")) << watch.output();
+        watch.signal(signal);
+        const int status = watch.waitForEnd();
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+        watch.expectTerminalHandedBack();
+    }
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ TEST(LocaleFormatterTest, FormatsNumbersMoneyAndSeparatorsPerLocale) {
     EXPECT_EQ(english.usDollars(1234.0, 0), "$1,234");
 }
 
-TEST(LocaleFormatterTest, TimeAgoUsesTheLargestWholeUnitInWideWords) {
+TEST(LocaleFormatterTest, TimeAgoUsesTheLargestWholeUnitInNamedWideWords) {
     const LocaleFormatter french("fr_FR");
     const LocaleFormatter english("en_US");
     struct Case {
@@ -46,7 +46,9 @@ TEST(LocaleFormatterTest, TimeAgoUsesTheLargestWholeUnitInWideWords) {
         {10801, "il y a 3 heures", "3 hours ago"},
         {10799, "il y a 2 heures", "2 hours ago"},
         {59, "il y a 59 secondes", "59 seconds ago"},
-        {86400, "il y a 1 jour", "1 day ago"},
+        {86400, "hier", "yesterday"},
+        {2 * 86400 + 3600, "avant-hier", "2 days ago"},
+        {7 * 86400, "la semaine dernière", "last week"},
         {15 * 86400, "il y a 2 semaines", "2 weeks ago"},
         {800 * 86400, "il y a 2 ans", "2 years ago"},
     };
