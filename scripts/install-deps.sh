@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what a fresh Debian machine lacks to build, test and benchmark Tallowen.
 set -euo pipefail
-packages=(cmake ninja-build g++ pkg-config libsqlite3-dev libsimdjson-dev libicu-dev libgtest-dev libbenchmark-dev python3 sqlite3 locales)
+packages=(cmake ninja-build g++ pkg-config libsqlite3-dev libsimdjson-dev libicu-dev libgtest-dev libbenchmark-dev python3 sqlite3 time)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -11,9 +11,4 @@ sudo_cmd=()
 if [ ${#missing[@]} -gt 0 ]; then
   "${sudo_cmd[@]}" apt-get update
   DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y --no-install-recommends "${missing[@]}"
-fi
-# The end-to-end tests draw the panel under a French locale.
-if ! locale -a 2>/dev/null | grep -qi '^fr_FR\.utf8$'; then
-  "${sudo_cmd[@]}" sed -i 's/^# *fr_FR.UTF-8 UTF-8/fr_FR.UTF-8 UTF-8/; s/^# *en_US.UTF-8 UTF-8/en_US.UTF-8 UTF-8/' /etc/locale.gen
-  "${sudo_cmd[@]}" locale-gen >/dev/null
 fi
