@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cerrno>
 #include <cstdio>
 #include <termios.h>
 #include <time.h>
@@ -26,20 +27,55 @@ termios settingsToRestore{};
 volatile std::sig_atomic_t restoresSettings = 0;
 volatile std::sig_atomic_t leavesAlternateScreen = 0;
 
-// Puts the terminal back as the user had it, then lets the signal end the
-// process with its default effect (the store is left as its last saved state).
-void handTerminalBackAndEnd(int signal) {
+// The keyboard's settings while `watch` reads single keys, taken again when
+// the process resumes after Ctrl-Z.
+termios settingsInWatch{};
+volatile std::sig_atomic_t resumedAfterStop = 0;
+
+// Puts the terminal back as the user had it.
+void handTerminalBack() {
     if (restoresSettings != 0) ::tcsetattr(STDIN_FILENO, TCSANOW, &settingsToRestore);
     if (leavesAlternateScreen != 0) {
         const ssize_t ignored = ::write(STDOUT_FILENO, leaveAlternateScreen.data(), leaveAlternateScreen.size());
         static_cast<void>(ignored);
     }
-    struct sigaction byDefault {};
-    byDefault.sa_handler = SIG_DFL;
-    sigemptyset(&byDefault.sa_mask);
-    sigaction(signal, &byDefault, nullptr);
-    // Blocked while the handler runs: delivered, with its default effect, on return.
+}
+
+void setHandler(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
+}
+
+// Gives `signal` its default effect right here, the handler's own block lifted.
+void takeDefaultEffect(int signal) {
+    setHandler(signal, SIG_DFL);
+    sigset_t only;
+    sigemptyset(&only);
+    sigaddset(&only, signal);
+    sigprocmask(SIG_UNBLOCK, &only, nullptr);
     ::raise(signal);
+}
+
+// Hands the terminal back, then lets the signal end the process with its
+// default effect (the store is left as its last saved state).
+void handTerminalBackAndEnd(int signal) {
+    handTerminalBack();
+    takeDefaultEffect(signal);
+}
+
+// Ctrl-Z: the terminal is handed back and the process stops. It goes on from
+// here once continued (or at once, where the stop is not allowed), taking the
+// keys again and having the loop redraw the whole panel.
+extern "C" void suspend(int signal) {
+    const int savedErrno = errno;
+    handTerminalBack();
+    takeDefaultEffect(signal);
+    if (restoresSettings != 0) ::tcsetattr(STDIN_FILENO, TCSANOW, &settingsInWatch);
+    setHandler(signal, suspend);
+    resumedAfterStop = 1;
+    errno = savedErrno;
 }
 
 extern "C" void requestStop(int signal) {
@@ -53,21 +89,16 @@ extern "C" void requestStop(int signal) {
 
 extern "C" void endAtOnce(int signal) { handTerminalBackAndEnd(signal); }
 
-void installHandler(int signal, void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    sigemptyset(&action.sa_mask);
-    sigaction(signal, &action, nullptr);
-}
-
 // Ctrl-C and SIGTERM ask the loop to stop, a second one ends the process. A
 // closed output (the reader of `watch | head` gone) and the quit key end it
-// at once. Either way the terminal is handed back first.
+// at once. Either way the terminal is handed back first; so it is when Ctrl-Z
+// stops the process.
 void installStopHandlers() {
-    installHandler(SIGINT, requestStop);
-    installHandler(SIGTERM, requestStop);
-    installHandler(SIGPIPE, endAtOnce);
-    installHandler(SIGQUIT, endAtOnce);
+    setHandler(SIGINT, requestStop);
+    setHandler(SIGTERM, requestStop);
+    setHandler(SIGPIPE, endAtOnce);
+    setHandler(SIGQUIT, endAtOnce);
+    setHandler(SIGTSTP, suspend);
 }
 
 // From now on a forced stop puts `keys`' settings back and leaves the
@@ -75,6 +106,7 @@ void installStopHandlers() {
 void restoreTerminalOnForcedStop(const WatchKeys& keys, bool outputIsTerminal) {
     if (const termios* saved = keys.savedSettings()) {
         settingsToRestore = *saved;
+        ::tcgetattr(STDIN_FILENO, &settingsInWatch);
         std::atomic_signal_fence(std::memory_order_release);
         restoresSettings = 1;
     }
@@ -131,6 +163,10 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
         if (firstRequest) view.reload(importer, environment->clock());
         firstRequest = false;
         if (importer.finishImportIfReady()) view.reload(importer, environment->clock());
+        if (resumedAfterStop) {
+            resumedAfterStop = 0;
+            view.redrawWhole();
+        }
         view.animate(environment->clock());
         for (const char key : keys.pending()) {
             if (key == 'q' || key == 'Q') stopRequested = 1;

@@ -80,8 +80,15 @@ void WatchPanelView::animate(Date now) {
     draw(now);
 }
 
+void WatchPanelView::redrawWhole() {
+    onAlternateScreen_ = false;
+    lastDrawn_.clear();
+}
+
 void WatchPanelView::finish() {
     if (!isTerminal_) return;
+    // The keys no longer work once `watch` has ended.
+    showsKeyHints_ = false;
     if (onAlternateScreen_) {
         std::fwrite(leaveAlternateScreen.data(), 1, leaveAlternateScreen.size(), stream_);
         onAlternateScreen_ = false;

@@ -40,7 +40,10 @@ public:
     void importerChanged(const UsageImporter& importer, Date now);
     // Between imports: redraws when the title or the counter moved.
     void animate(Date now);
-    // Leaves the alternate screen and prints the panel as it last stood.
+    // The screen was given back meanwhile (the process was stopped): the next
+    // drawing takes the alternate screen again and draws everything.
+    void redrawWhole();
+    // Leaves the alternate screen and prints the panel as it last stood, without the key hints.
     void finish();
 
 private:

@@ -7,6 +7,7 @@
 #include <sqlite3.h>
 
 #include <chrono>
+#include <fstream>
 #include <csignal>
 #include <poll.h>
 #include <pty.h>
@@ -123,20 +124,46 @@ TEST(WatchCommandTest, ShowsTheLastErrorInThePanel) {
 // on the same terminal, whose settings the test can read once it has ended.
 class WatchOnTerminal {
 public:
-    WatchOnTerminal(const std::filesystem::path& home, const std::filesystem::path& data) {
+    // As a foreground job, `watch` runs under a stand-in shell of the terminal's
+    // session, so that Ctrl-Z really stops it; otherwise it leads the session itself.
+    WatchOnTerminal(const std::filesystem::path& home, const std::filesystem::path& data, bool asForegroundJob = false) {
         if (::openpty(&master_, &terminal_, nullptr, nullptr, nullptr) != 0) return;
+        int jobPid[2];
+        if (::pipe(jobPid) != 0) return;
         pid_ = ::fork();
         if (pid_ == 0) {
             ::close(master_);
+            ::close(jobPid[0]);
             ::login_tty(::dup(terminal_));
             ::setenv("TZ", "Europe/Paris", 1);
-            ::execl(TALLOWEN_EXE, TALLOWEN_EXE, "watch", "--home", home.c_str(), "--data", data.c_str(),
-                    static_cast<char*>(nullptr));
-            _exit(127);
+            const pid_t job = asForegroundJob ? ::fork() : 0;
+            if (job == 0) {
+                if (asForegroundJob) {
+                    ::setpgid(0, 0);
+                    ::signal(SIGTTOU, SIG_IGN);
+                    ::tcsetpgrp(STDIN_FILENO, ::getpid());
+                    ::signal(SIGTTOU, SIG_DFL);
+                }
+                ::execl(TALLOWEN_EXE, TALLOWEN_EXE, "watch", "--home", home.c_str(), "--data", data.c_str(),
+                        static_cast<char*>(nullptr));
+                _exit(127);
+            }
+            ::setpgid(job, job);
+            const ssize_t written = ::write(jobPid[1], &job, sizeof job);
+            static_cast<void>(written);
+            int status = 0;
+            while (::waitpid(job, &status, 0) == job && !WIFEXITED(status) && !WIFSIGNALED(status)) {
+            }
+            _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status));
         }
+        ::close(jobPid[1]);
+        job_ = pid_;
+        if (asForegroundJob && ::read(jobPid[0], &job_, sizeof job_) != sizeof job_) job_ = -1;
+        ::close(jobPid[0]);
     }
     ~WatchOnTerminal() {
         if (pid_ > 0 && !ended_) {
+            if (job_ > 0 && job_ != pid_) ::kill(job_, SIGKILL);
             ::kill(pid_, SIGKILL);
             ::waitpid(pid_, nullptr, 0);
         }
@@ -152,7 +179,26 @@ public:
         for (int wait = 0; wait < 100 && output_.find(text) == std::string::npos; ++wait) readAvailable(100);
         return output_.find(text) != std::string::npos;
     }
-    void signal(int number) const { ::kill(pid_, number); }
+    void signal(int number) const { ::kill(job_, number); }
+    // Whether `watch` has stopped (job control), waiting for it a few seconds at most.
+    bool waitForStop() {
+        for (int wait = 0; wait < 50; ++wait) {
+            std::ifstream stat("/proc/" + std::to_string(job_) + "/stat");
+            std::string pid, name, state;
+            if (stat >> pid >> name >> state && state == "T") return true;
+            readAvailable(100);
+        }
+        return false;
+    }
+    // Reads until `text` shows after the first `offset` bytes of output.
+    bool waitForAfter(size_t offset, std::string_view text) {
+        for (int wait = 0; wait < 100 && output_.find(text, offset) == std::string::npos; ++wait) readAvailable(100);
+        return output_.find(text, offset) != std::string::npos;
+    }
+    bool readsSingleKeys() const {
+        termios settings{};
+        return ::tcgetattr(terminal_, &settings) == 0 && (settings.c_lflag & (ICANON | ECHO)) == 0;
+    }
     // The wait status once the process has ended.
     int waitForEnd() {
         int status = 0;
@@ -186,6 +232,7 @@ private:
     int master_ = -1;
     int terminal_ = -1;
     pid_t pid_ = -1;
+    pid_t job_ = -1;
     bool ended_ = false;
     std::string output_;
 };
@@ -214,6 +261,34 @@ TEST(WatchCommandTest, ASecondInterruptWhileARunEndsStillHandsTheTerminalBack) {
     // The process ends at once, as asked, yet leaves the terminal as it found it.
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
     watch.expectTerminalHandedBack();
+}
+
+TEST(WatchCommandTest, CtrlZHandsTheTerminalBackAndTheForegroundTakesItAgain) {
+    TempDir scratch;
+    testing::writeUsageHome(scratch, "home");
+    WatchOnTerminal watch(scratch.path() / "home", scratch.path() / "data", true);
+    ASSERT_TRUE(watch.started());
+    ASSERT_TRUE(watch.waitFor("QUITTER")) << watch.output();
+    ASSERT_TRUE(watch.readsSingleKeys());
+
+    watch.signal(SIGTSTP);
+    ASSERT_TRUE(watch.waitForStop());
+    watch.expectTerminalHandedBack();
+
+    const size_t beforeResuming = watch.output().size();
+    watch.signal(SIGCONT);
+    EXPECT_TRUE(watch.waitForAfter(beforeResuming, "QUITTER")) << watch.output().substr(beforeResuming);
+    EXPECT_NE(watch.output().find("\x1b[?1049h", beforeResuming), std::string::npos);
+    EXPECT_TRUE(watch.readsSingleKeys());
+
+    watch.signal(SIGINT);
+    const int status = watch.waitForEnd();
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    watch.expectTerminalHandedBack();
+    // The panel left on the user's screen no longer offers keys that work.
+    const std::string finalPanel = watch.output().substr(watch.output().rfind("\x1b[?1049l"));
+    EXPECT_NE(finalPanel.find("OUTILS D"), std::string::npos) << finalPanel;
+    EXPECT_EQ(finalPanel.find("QUITTER"), std::string::npos) << finalPanel;
 }
 
 TEST(WatchCommandTest, AClosedOutputOrAQuitKeyEndsAtOnceAndHandsTheTerminalBack) {
