@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 
 namespace tallowen::testing {
 
@@ -18,6 +19,8 @@ struct SampleStoreFactory {
     Open open;
     Open openReadOnly;  // the same store, refusing every change
 };
+
+inline void PrintTo(const SampleStoreFactory& factory, std::ostream* out) { *out << factory.name; }
 
 class SampleStoreConformance : public ::testing::TestWithParam<SampleStoreFactory> {
 protected:
