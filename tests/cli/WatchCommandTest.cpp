@@ -185,7 +185,11 @@ public:
         for (int wait = 0; wait < 50; ++wait) {
             std::ifstream stat("/proc/" + std::to_string(job_) + "/stat");
             std::string pid, name, state;
-            if (stat >> pid >> name >> state && state == "T") return true;
+            if (stat >> pid >> name >> state && state == "T") {
+                // What it wrote before stopping is still on its way.
+                readAvailable(100);
+                return true;
+            }
             readAvailable(100);
         }
         return false;
