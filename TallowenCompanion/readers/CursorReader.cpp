@@ -1,5 +1,7 @@
 #include "readers/CursorReader.hpp"
 
+#include "store/SqliteFileUri.hpp"
+
 #include "model/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 #include "readers/ModelPricing.hpp"
@@ -32,30 +34,6 @@ struct StatementFinalizer {
 };
 using Database = std::unique_ptr<sqlite3, DatabaseCloser>;
 using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
-
-// A path inside a file URI: the characters that would end or escape the path
-// part are written as %HH, everything else as it stands. A path that begins
-// with two slashes (the same folder as one) would read as a host name after
-// "file:", so its second slash is escaped too.
-std::string readOnlyUri(const std::filesystem::path& path) {
-    std::string uri = "file:";
-    const std::string text = path.string();
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (i == 1 && c == '/' && text[0] == '/') {
-            uri += "%2f";
-            continue;
-        }
-        switch (c) {
-            case '%': uri += "%25"; break;
-            case '?': uri += "%3f"; break;
-            case '#': uri += "%23"; break;
-            default: uri.push_back(c);
-        }
-    }
-    uri += "?mode=ro";
-    return uri;
-}
 
 // A query that cannot be prepared yields no rows.
 template <typename OnRow>
@@ -100,7 +78,7 @@ std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePa
     if (!std::filesystem::exists(databasePath, code)) return std::nullopt;
     sqlite3* raw = nullptr;
     const int opened =
-        sqlite3_open_v2(readOnlyUri(databasePath).c_str(), &raw, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+        sqlite3_open_v2(sqliteFileUri(databasePath, "mode=ro").c_str(), &raw, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
     const Database database(raw);
     if (opened != SQLITE_OK) return std::nullopt;
     // The editor may hold a write lock: wait for it rather than fail at once.

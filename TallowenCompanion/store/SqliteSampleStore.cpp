@@ -1,9 +1,12 @@
 #include "store/SqliteSampleStore.hpp"
 
+#include "store/SqliteFileUri.hpp"
+
 #include "model/JsonWriter.hpp"
 
 #include <simdjson.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <charconv>
 #include <string_view>
@@ -272,12 +275,32 @@ void SqliteSampleStore::openAndPrepareSchema() {
     // SQLite falls back to reading a file it may not write: treat it as read-only.
     if (access_ == Access::readOnly || sqlite3_db_readonly(db_, "main") == 1) {
         // Reading the schema is what tells a database from any other file.
-        execute("SELECT count(*) FROM sqlite_schema");
+        if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_schema", nullptr, nullptr, nullptr) != SQLITE_OK) {
+            if (access_ != Access::readOnly || !reopenAsImmutable()) fail();
+        }
     } else {
         execute("PRAGMA journal_mode=WAL");
         execute(schemaSql);
     }
     schemaReady_ = true;
+}
+
+// A store kept with a write-ahead log cannot be read where its shared-memory
+// file cannot be made, as in a folder nobody may write to. Nothing can change
+// the store there either, so it is read as it lies.
+bool SqliteSampleStore::reopenAsImmutable() {
+    if (::access(path_.parent_path().empty() ? "." : path_.parent_path().c_str(), W_OK) == 0) return false;
+    sqlite3* immutable = nullptr;
+    const int result = sqlite3_open_v2(sqliteFileUri(path_, "mode=ro&immutable=1").c_str(), &immutable,
+                                       SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
+    if (result != SQLITE_OK ||
+        sqlite3_exec(immutable, "SELECT count(*) FROM sqlite_schema", nullptr, nullptr, nullptr) != SQLITE_OK) {
+        sqlite3_close_v2(immutable);
+        return false;
+    }
+    sqlite3_close_v2(db_);
+    db_ = immutable;
+    return true;
 }
 
 void SqliteSampleStore::execute(const char* sql) {

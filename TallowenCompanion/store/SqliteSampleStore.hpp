@@ -65,6 +65,7 @@ private:
 
     sqlite3* database();
     void openAndPrepareSchema();
+    bool reopenAsImmutable();
     Statement statement(const char* sql);
     void execute(const char* sql);
     void beginChange();

@@ -3,6 +3,8 @@
 #include "store/SampleStoreConformance.hpp"
 #include "support/Samples.hpp"
 
+#include <unistd.h>
+
 namespace tallowen::testing {
 namespace {
 
@@ -38,6 +40,24 @@ TEST(SqliteSampleStoreTest, RoundTripsDayRecordsExactly) {
     ASSERT_EQ(records.size(), 2u);
     EXPECT_EQ(fields(records[0]), fields(noted));
     EXPECT_EQ(fields(records[1]), fields(defaults));
+}
+
+TEST(SqliteSampleStoreTest, ReadsAStoreInAFolderNobodyMayWriteTo) {
+    if (::geteuid() == 0) GTEST_SKIP() << "this user writes into read-only folders";
+    TempDir dir;
+    const auto folder = dir.path() / "data";
+    std::filesystem::create_directories(folder);
+    {
+        SqliteSampleStore store(folder / SqliteSampleStore::fileName);
+        store.insert(slotSample("2025-03-14", "codex", Date{0}, 3));
+        store.save();
+    }
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    SqliteSampleStore reader(folder / SqliteSampleStore::fileName, SqliteSampleStore::Access::readOnly);
+    const auto samples = reader.fetchAll();
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+    ASSERT_EQ(samples.size(), 1u);
+    EXPECT_EQ(samples.front().requests, 3);
 }
 
 TEST(SqliteSampleStoreTest, FailuresCarrySqliteMessages) {
