@@ -2,6 +2,7 @@
 
 #include "app/SupportFolder.hpp"
 
+#include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -42,6 +43,26 @@ std::optional<EngineEnvironment> environmentFromOptions(const ParsedOptions& opt
     }
     environment.clock = systemClock();
     return environment;
+}
+
+std::optional<CommandStart> startCommand(const char* command, const std::vector<std::string>& arguments,
+                                         const std::set<std::string>& valueOptions,
+                                         const std::set<std::string>& flagOptions, int& exitStatus,
+                                         const OptionsCheck& check) {
+    std::string error;
+    auto options = parseOptions(arguments, valueOptions, flagOptions, error);
+    if (!options || (check && !check(*options, error))) {
+        std::fprintf(stderr, "tallowen: %s: %s\n", command, error.c_str());
+        exitStatus = 2;
+        return std::nullopt;
+    }
+    auto environment = environmentFromOptions(*options, error);
+    if (!environment) {
+        std::fprintf(stderr, "tallowen: %s: %s\n", command, error.c_str());
+        exitStatus = 1;
+        return std::nullopt;
+    }
+    return CommandStart{std::move(*options), std::move(*environment)};
 }
 
 }  // namespace tallowen::cli

@@ -1,13 +1,12 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
+#include "PanelData.hpp"
 #include "PlainText.hpp"
 #include "SampleJson.hpp"
-#include "TerminalImporter.hpp"
 
 #include "model/Iso8601Format.hpp"
 #include "model/JsonWriter.hpp"
-#include "store/SqliteSampleStore.hpp"
 #include "summary/OneSamplePerSlot.hpp"
 
 #include <algorithm>
@@ -69,42 +68,36 @@ std::string tableReport(const std::vector<UsageSample>& samples) {
 }  // namespace
 
 int runDaysCommand(const std::vector<std::string>& arguments) {
-    std::string error;
-    const auto options =
-        parseOptions(arguments, {"--since", "--until", "--tool", "--home", "--data"}, {"--json"}, error);
-    if (!options) {
-        std::fprintf(stderr, "tallowen: days: %s\n", error.c_str());
-        return 2;
-    }
-    const DayFilter filter{options->value("--since"), options->value("--until"), options->value("--tool")};
-    for (const auto& [name, day] : {std::pair{"--since", filter.since}, std::pair{"--until", filter.until}}) {
-        if (day && !isDayKeyText(*day)) {
-            std::fprintf(stderr, "tallowen: days: %s needs a day written YYYY-MM-DD, not %s\n", name, day->c_str());
-            return 2;
+    const auto daysAreWellWritten = [](const ParsedOptions& options, std::string& error) {
+        for (const char* name : {"--since", "--until"}) {
+            const auto day = options.value(name);
+            if (day && !isDayKeyText(*day)) {
+                error = std::string(name) + " needs a day written YYYY-MM-DD, not " + *day;
+                return false;
+            }
         }
-    }
-    const auto environment = environmentFromOptions(*options, error);
-    if (!environment) {
+        return true;
+    };
+    int exitStatus = 0;
+    const auto start = startCommand("days", arguments, {"--since", "--until", "--tool", "--home", "--data"},
+                                    {"--json"}, exitStatus, daysAreWellWritten);
+    if (!start) return exitStatus;
+    const ParsedOptions& options = start->options;
+    const DayFilter filter{options.value("--since"), options.value("--until"), options.value("--tool")};
+
+    std::string error;
+    // Nothing imported yet: no days, and no empty store created by looking.
+    const auto stored = readStoredSamples(start->environment, error);
+    if (!stored) {
         std::fprintf(stderr, "tallowen: days: %s\n", error.c_str());
         return 1;
     }
-
-    std::vector<UsageSample> samples;
-    // Nothing imported yet: no days, and no empty store created by looking.
-    if (std::filesystem::exists(storeLocation(*environment))) {
-        try {
-            SqliteSampleStore store(storeLocation(*environment), SqliteSampleStore::Access::readOnly);
-            samples = oneSamplePerSlot(store.fetchAll());
-        } catch (const StoreError& failure) {
-            std::fprintf(stderr, "tallowen: days: Store illisible : %s\n", failure.what());
-            return 1;
-        }
-    }
+    std::vector<UsageSample> samples = oneSamplePerSlot(*stored);
     samples.erase(std::remove_if(samples.begin(), samples.end(),
                                  [&](const UsageSample& sample) { return !filter.admits(sample); }),
                   samples.end());
 
-    const std::string text = options->has("--json") ? jsonReport(samples) : tableReport(samples);
+    const std::string text = options.has("--json") ? jsonReport(samples) : tableReport(samples);
     std::fwrite(text.data(), 1, text.size(), stdout);
     return 0;
 }

@@ -115,19 +115,13 @@ ImportRunReport importWithProgress(UsageImporter& importer, ProgressLine& progre
 }  // namespace
 
 int runImportCommand(const std::vector<std::string>& arguments) {
-    std::string error;
-    const auto options = parseOptions(arguments, {"--home", "--data"}, {"--json"}, error);
-    if (!options) {
-        std::fprintf(stderr, "tallowen: import: %s\n", error.c_str());
-        return 2;
-    }
-    const auto environment = environmentFromOptions(*options, error);
-    if (!environment) {
-        std::fprintf(stderr, "tallowen: import: %s\n", error.c_str());
-        return 1;
-    }
-    const bool asJson = options->has("--json");
-    TerminalImporter terminal(*environment);
+    int exitStatus = 0;
+    const auto start = startCommand("import", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
+    if (!start) return exitStatus;
+    const ParsedOptions& options = start->options;
+    const EngineEnvironment& environment = start->environment;
+    const bool asJson = options.has("--json");
+    TerminalImporter terminal(environment);
     // The console line of the purge must not break the JSON on the standard output.
     terminal.importer().setLogLine([asJson](const std::string& line) {
         std::FILE* stream = asJson ? stderr : stdout;

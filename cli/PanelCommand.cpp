@@ -9,26 +9,20 @@
 namespace tallowen::cli {
 
 int runPanelCommand(const std::vector<std::string>& arguments) {
+    int exitStatus = 0;
+    const auto start = startCommand("panel", arguments, {"--home", "--data"}, {}, exitStatus);
+    if (!start) return exitStatus;
+    const EngineEnvironment& environment = start->environment;
     std::string error;
-    const auto options = parseOptions(arguments, {"--home", "--data"}, {}, error);
-    if (!options) {
-        std::fprintf(stderr, "tallowen: panel: %s\n", error.c_str());
-        return 2;
-    }
-    const auto environment = environmentFromOptions(*options, error);
-    if (!environment) {
-        std::fprintf(stderr, "tallowen: panel: %s\n", error.c_str());
-        return 1;
-    }
-    const auto samples = readStoredSamples(*environment, error);
+    const auto samples = readStoredSamples(environment, error);
     if (!samples) {
         std::fprintf(stderr, "tallowen: panel: %s\n", error.c_str());
         return 1;
     }
     const LocaleFormatter locale = LocaleFormatter::forProcess();
-    const Date now = environment->clock();
+    const Date now = environment.clock();
     const MenuModel model =
-        terminalMenuModel(*samples, storedImporterState(*environment, *samples), now, *environment, locale);
+        terminalMenuModel(*samples, storedImporterState(environment, *samples), now, environment, locale);
     const std::string text = panelText(model, now, locale, TerminalStyle::forStandardOutput().colors());
     std::fwrite(text.data(), 1, text.size(), stdout);
     return 0;

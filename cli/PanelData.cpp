@@ -18,7 +18,7 @@ std::optional<std::vector<UsageSample>> readStoredSamples(const EngineEnvironmen
         SqliteSampleStore store(location, SqliteSampleStore::Access::readOnly);
         return store.fetchAll();
     } catch (const StoreError& failure) {
-        error = std::string("Store illisible : ") + failure.what();
+        error = unreadableStoreText(failure);
         return std::nullopt;
     }
 }

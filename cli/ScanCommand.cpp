@@ -95,24 +95,18 @@ std::string tableReport(const LogReadOutcome& outcome) {
 }  // namespace
 
 int runScanCommand(const std::vector<std::string>& arguments) {
-    std::string error;
-    const auto options = parseOptions(arguments, {"--home", "--data"}, {"--json"}, error);
-    if (!options) {
-        std::fprintf(stderr, "tallowen: scan: %s\n", error.c_str());
-        return 2;
-    }
-    const auto environment = environmentFromOptions(*options, error);
-    if (!environment) {
-        std::fprintf(stderr, "tallowen: scan: %s\n", error.c_str());
-        return 1;
-    }
-    const ImportStateFile stateFile(environment->supportFolder);
+    int exitStatus = 0;
+    const auto start = startCommand("scan", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
+    if (!start) return exitStatus;
+    const ParsedOptions& options = start->options;
+    const EngineEnvironment& environment = start->environment;
+    const ImportStateFile stateFile(environment.supportFolder);
     ImportState state = stateFile.load();
-    const LogReadOutcome outcome = readAllLogs(environment->homeFolder, state, environment->calendar);
+    const LogReadOutcome outcome = readAllLogs(environment.homeFolder, state, environment.calendar);
     // A failed save only means the next scan reads the files again.
     stateFile.save(state);
 
-    const std::string report = options->has("--json") ? jsonReport(outcome) + "\n" : tableReport(outcome);
+    const std::string report = options.has("--json") ? jsonReport(outcome) + "\n" : tableReport(outcome);
     std::fwrite(report.data(), 1, report.size(), stdout);
     return 0;
 }

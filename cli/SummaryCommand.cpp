@@ -128,26 +128,20 @@ void writeMenu(JsonWriter& json, const MenuModel& model, const ImporterState& im
 }  // namespace
 
 int runSummaryCommand(const std::vector<std::string>& arguments) {
+    int exitStatus = 0;
+    const auto start = startCommand("summary", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
+    if (!start) return exitStatus;
+    const EngineEnvironment& environment = start->environment;
     std::string error;
-    const auto options = parseOptions(arguments, {"--home", "--data"}, {"--json"}, error);
-    if (!options) {
-        std::fprintf(stderr, "tallowen: summary: %s\n", error.c_str());
-        return 2;
-    }
-    const auto environment = environmentFromOptions(*options, error);
-    if (!environment) {
-        std::fprintf(stderr, "tallowen: summary: %s\n", error.c_str());
-        return 1;
-    }
-    const auto samples = readStoredSamples(*environment, error);
+    const auto samples = readStoredSamples(environment, error);
     if (!samples) {
         std::fprintf(stderr, "tallowen: summary: %s\n", error.c_str());
         return 1;
     }
     const LocaleFormatter locale = LocaleFormatter::forProcess();
-    const Date now = environment->clock();
-    const ImporterState importer = storedImporterState(*environment, *samples);
-    const MenuModel model = terminalMenuModel(*samples, importer, now, *environment, locale);
+    const Date now = environment.clock();
+    const ImporterState importer = storedImporterState(environment, *samples);
+    const MenuModel model = terminalMenuModel(*samples, importer, now, environment, locale);
     const CountingText counter = menuTokenCounter(model, locale);
     CountingAnchor anchor;
     anchor.appear(counter.value, now);
@@ -155,7 +149,7 @@ int runSummaryCommand(const std::vector<std::string>& arguments) {
     JsonWriter json;
     json.beginObject();
     optionalDate(json, "now", now);
-    json.key("dayKey").string(dayKey(now, environment->calendar));
+    json.key("dayKey").string(dayKey(now, environment.calendar));
     json.key("locale").string(locale.localeName());
     json.key("windowDays").integer(menuSummaryWindowDays);
     json.key("summary");

@@ -123,20 +123,13 @@ void sleepBriefly() {
 }  // namespace
 
 int runWatchCommand(const std::vector<std::string>& arguments) {
-    std::string error;
-    const auto options = parseOptions(arguments, {"--home", "--data"}, {}, error);
-    if (!options) {
-        std::fprintf(stderr, "tallowen: watch: %s\n", error.c_str());
-        return 2;
-    }
-    const auto environment = environmentFromOptions(*options, error);
-    if (!environment) {
-        std::fprintf(stderr, "tallowen: watch: %s\n", error.c_str());
-        return 1;
-    }
+    int exitStatus = 0;
+    const auto start = startCommand("watch", arguments, {"--home", "--data"}, {}, exitStatus);
+    if (!start) return exitStatus;
+    const EngineEnvironment& environment = start->environment;
     installStopHandlers();
 
-    TerminalImporter terminal(*environment);
+    TerminalImporter terminal(environment);
     UsageImporter& importer = terminal.importer();
     // Console lines of the engine would break the panel drawn in place.
     importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
@@ -144,41 +137,41 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     WatchKeys keys;
     const bool outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     restoreTerminalOnForcedStop(keys, outputIsTerminal);
-    WatchPanelView view(*environment, LocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
-                        environment->clock());
+    WatchPanelView view(environment, LocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
+                        environment.clock());
     // The purge runs inside the end of a run: its progress is drawn as it is published.
     importer.setObserver([&](ImporterProperty property) {
         if (property == ImporterProperty::isImporting || property == ImporterProperty::purgeProgress)
-            view.importerChanged(importer, environment->clock());
+            view.importerChanged(importer, environment.clock());
     });
 
     ImportScheduler scheduler;
-    bool requested = scheduler.start(environment->clock());
+    bool requested = scheduler.start(environment.clock());
     bool firstRequest = true;
     while (!stopRequested) {
         // A request while a run is under way is dropped by the importer.
         if (requested) importer.startImport();
         requested = false;
         // The panel shows the store at once, before the first run is over.
-        if (firstRequest) view.reload(importer, environment->clock());
+        if (firstRequest) view.reload(importer, environment.clock());
         firstRequest = false;
-        if (importer.finishImportIfReady()) view.reload(importer, environment->clock());
+        if (importer.finishImportIfReady()) view.reload(importer, environment.clock());
         if (resumedAfterStop) {
             resumedAfterStop = 0;
             view.redrawWhole();
         }
-        view.animate(environment->clock());
+        view.animate(environment.clock());
         for (const char key : keys.pending()) {
             if (key == 'q' || key == 'Q') stopRequested = 1;
             if (key == 'i' || key == 'I') requested = true;
         }
         if (stopRequested) break;
         sleepBriefly();
-        requested = scheduler.tick(environment->clock()) || requested;
+        requested = scheduler.tick(environment.clock()) || requested;
     }
     // A run under way is completed, so that its results reach the store whole.
     importer.setObserver(nullptr);
-    if (importer.finishImport()) view.reload(importer, environment->clock());
+    if (importer.finishImport()) view.reload(importer, environment.clock());
     view.finish();
     return 0;
 }

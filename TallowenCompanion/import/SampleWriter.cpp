@@ -86,7 +86,7 @@ SampleWriteOutcome writeSamples(SampleStore& store, const ToolResults& results, 
     try {
         stored = store.fetchAll();
     } catch (const StoreError& error) {
-        outcome.error = std::string("Store illisible : ") + error.what();
+        outcome.error = unreadableStoreText(error);
         return outcome;
     }
     // Any later failure loses the pending changes, as a failed save does: the

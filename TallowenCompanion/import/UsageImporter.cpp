@@ -127,7 +127,7 @@ ImportRunReport UsageImporter::complete(FileWork work) {
     try {
         store = openStore_();
     } catch (const std::exception& error) {
-        setLastError(std::string("Store illisible : ") + error.what());
+        setLastError(unreadableStoreText(error));
     }
 
     if (store) runPurge(*store, results, report);

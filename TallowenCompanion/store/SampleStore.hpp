@@ -17,6 +17,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// The line shown to the user when the store cannot be read.
+inline std::string unreadableStoreText(const std::exception& error) {
+    return std::string("Store illisible : ") + error.what();
+}
+
 // The (day key, tool) slot of a sample.
 struct SampleSlot {
     std::string dayKey;
