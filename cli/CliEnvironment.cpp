@@ -1,6 +1,6 @@
 #include "CliEnvironment.hpp"
 
-#include "app/SupportFolder.hpp"
+#include "base/SupportFolder.hpp"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Options.hpp"
-#include "app/EngineEnvironment.hpp"
+#include "model/EngineEnvironment.hpp"
 
 #include <functional>
 #include <optional>

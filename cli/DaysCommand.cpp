@@ -6,7 +6,7 @@
 #include "SampleJson.hpp"
 
 #include "model/Iso8601Format.hpp"
-#include "model/JsonWriter.hpp"
+#include "base/JsonWriter.hpp"
 #include "summary/OneSamplePerSlot.hpp"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "Options.hpp"
 #include "TerminalImporter.hpp"
 
-#include "model/JsonWriter.hpp"
+#include "base/JsonWriter.hpp"
 
 #include <chrono>
 #include <cinttypes>

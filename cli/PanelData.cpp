@@ -2,7 +2,7 @@
 
 #include "PanelRenderer.hpp"
 #include "TerminalImporter.hpp"
-#include "app/JsonSettingsStore.hpp"
+#include "store/JsonSettingsStore.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "ui/TypewriterTitle.hpp"
 

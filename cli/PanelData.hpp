@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/EngineEnvironment.hpp"
+#include "model/EngineEnvironment.hpp"
 #include "import/UsageImporter.hpp"
 #include "ui/LocaleFormatter.hpp"
 #include "ui/MenuModel.hpp"

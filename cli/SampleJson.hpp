@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/JsonWriter.hpp"
+#include "base/JsonWriter.hpp"
 #include "model/UsageSample.hpp"
 
 namespace tallowen::cli {

@@ -6,7 +6,7 @@
 
 #include "import/DaySample.hpp"
 #include "import/ImportStateFile.hpp"
-#include "model/JsonWriter.hpp"
+#include "base/JsonWriter.hpp"
 #include "readers/UsageReaders.hpp"
 
 #include <algorithm>
@@ -102,7 +102,7 @@ int runScanCommand(const std::vector<std::string>& arguments) {
     const EngineEnvironment& environment = start->environment;
     const ImportStateFile stateFile(environment.supportFolder);
     ImportState state = stateFile.load();
-    const LogReadOutcome outcome = readAllLogs(environment.homeFolder, state, environment.calendar);
+    const LogReadOutcome outcome = readAllLogs(environment.homeFolder, state.files, environment.calendar);
     // A failed save only means the next scan reads the files again.
     stateFile.save(state);
 

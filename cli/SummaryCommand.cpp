@@ -7,7 +7,7 @@
 
 #include "model/DayKey.hpp"
 #include "model/Iso8601Format.hpp"
-#include "model/JsonWriter.hpp"
+#include "base/JsonWriter.hpp"
 
 #include <cstdio>
 

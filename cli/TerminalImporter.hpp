@@ -1,8 +1,8 @@
 #pragma once
 
 #include "activity/AppActivityRecorder.hpp"
-#include "app/EngineEnvironment.hpp"
-#include "app/JsonSettingsStore.hpp"
+#include "model/EngineEnvironment.hpp"
+#include "store/JsonSettingsStore.hpp"
 #include "import/UsageImporter.hpp"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PanelRenderer.hpp"
-#include "app/EngineEnvironment.hpp"
+#include "model/EngineEnvironment.hpp"
 #include "import/UsageImporter.hpp"
 #include "ui/CountingText.hpp"
 #include "ui/LocaleFormatter.hpp"

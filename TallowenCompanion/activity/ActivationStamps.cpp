@@ -1,7 +1,7 @@
 #include "activity/ActivationStamps.hpp"
 
-#include "model/JsonRead.hpp"
-#include "model/JsonWriter.hpp"
+#include "base/JsonRead.hpp"
+#include "base/JsonWriter.hpp"
 
 #include <algorithm>
 

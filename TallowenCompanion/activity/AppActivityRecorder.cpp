@@ -1,8 +1,8 @@
 #include "activity/AppActivityRecorder.hpp"
 
 #include "activity/WatchedApplications.hpp"
-#include "model/Files.hpp"
-#include "readers/DaysFromEvents.hpp"
+#include "base/Files.hpp"
+#include "model/DaysFromEvents.hpp"
 
 namespace tallowen {
 

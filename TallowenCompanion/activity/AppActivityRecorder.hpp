@@ -1,7 +1,7 @@
 #pragma once
 
 #include "activity/ActivationStamps.hpp"
-#include "import/ImportState.hpp"
+#include "model/DayUsage.hpp"
 #include "model/Date.hpp"
 #include "model/LocalCalendar.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SettingsStore.hpp"
+#include "model/SettingsStore.hpp"
 #include "model/Date.hpp"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/ImportState.hpp"
+#include "model/DayUsage.hpp"
 #include "model/UsageSample.hpp"
 #include "model/UsageTool.hpp"
 

@@ -1,7 +1,7 @@
 #include "import/ImportStateCodec.hpp"
 
-#include "model/JsonRead.hpp"
-#include "model/JsonWriter.hpp"
+#include "base/JsonRead.hpp"
+#include "base/JsonWriter.hpp"
 
 namespace tallowen {
 namespace {

@@ -1,7 +1,7 @@
 #include "import/ImportStateFile.hpp"
 
 #include "import/ImportStateCodec.hpp"
-#include "model/Files.hpp"
+#include "base/Files.hpp"
 
 namespace tallowen {
 

@@ -1,9 +1,9 @@
 #include "import/UsageImporter.hpp"
 
-#include "app/SupportFolderLock.hpp"
+#include "base/SupportFolderLock.hpp"
 #include "import/ImportStateFile.hpp"
 #include "import/SampleWriter.hpp"
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 
 #include <chrono>
@@ -47,7 +47,7 @@ UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& h
     try {
         const ImportStateFile stateFile(supportFolder);
         ImportState state = stateFile.load();
-        work.logs = readLogs(homeFolder, state, calendar);
+        work.logs = readLogs(homeFolder, state.files, calendar, nullptr);
         // A failed save only makes the next run read every file again.
         stateFile.save(state);
     } catch (const std::exception& failure) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "activity/AppActivityRecorder.hpp"
-#include "app/EngineEnvironment.hpp"
-#include "app/SettingsStore.hpp"
+#include "model/EngineEnvironment.hpp"
+#include "model/SettingsStore.hpp"
 #include "import/DuplicatePurge.hpp"
 #include "import/ImportRunReport.hpp"
 #include "readers/UsageReaders.hpp"
@@ -36,7 +36,8 @@ enum class ImporterProperty {
 using SampleStoreOpener = std::function<std::unique_ptr<SampleStore>()>;
 // The log readers' pass over a home folder (readAllLogs outside tests).
 using LogReading =
-    std::function<LogReadOutcome(const std::filesystem::path& homeFolder, ImportState& state, const LocalCalendar&)>;
+    std::function<LogReadOutcome(const std::filesystem::path& homeFolder, FileEntries& files, const LocalCalendar&,
+                                  ScanProgress* progress)>;
 
 // The engine the rest of the application talks to. One import run reads the
 // logs and the activation stamps, runs the one-time duplicate purge, writes

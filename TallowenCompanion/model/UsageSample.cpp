@@ -1,6 +1,6 @@
 #include "model/UsageSample.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 
 namespace tallowen {
 

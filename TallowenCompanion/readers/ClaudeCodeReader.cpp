@@ -1,7 +1,7 @@
 #include "readers/ClaudeCodeReader.hpp"
 
-#include "model/CheckedMath.hpp"
-#include "model/JsonRead.hpp"
+#include "base/CheckedMath.hpp"
+#include "base/JsonRead.hpp"
 #include "readers/ByteSearch.hpp"
 #include "readers/Iso8601.hpp"
 #include "readers/LineJsonParser.hpp"

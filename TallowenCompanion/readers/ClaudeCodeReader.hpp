@@ -1,6 +1,6 @@
 #pragma once
 
-#include "readers/UsageEvent.hpp"
+#include "model/UsageEvent.hpp"
 
 #include <memory>
 #include <string_view>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "import/ImportState.hpp"
-#include "readers/UsageEvent.hpp"
+#include "model/DayUsage.hpp"
+#include "model/UsageEvent.hpp"
 
 #include <memory>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "readers/CursorReader.hpp"
 
-#include "store/SqliteFileUri.hpp"
+#include "base/SqliteFileUri.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 #include "readers/ModelPricing.hpp"
 

@@ -1,8 +1,8 @@
 #include "readers/LogFolderScanner.hpp"
 
 #include "model/DayKey.hpp"
-#include "model/Utf8Text.hpp"
-#include "readers/DaysFromEvents.hpp"
+#include "base/Utf8Text.hpp"
+#include "model/DaysFromEvents.hpp"
 #include "readers/MappedFile.hpp"
 #include "readers/TornReadGuard.hpp"
 
@@ -70,8 +70,8 @@ std::vector<FolderEntry> listFolder(const std::string& folderPath) {
 
 class FolderWalk {
 public:
-    FolderWalk(ImportState& state, const LogFileReader& reader, const LocalCalendar& calendar)
-        : state_(state), reader_(reader), calendar_(calendar) {}
+    FolderWalk(FileEntries& files, const LogFileReader& reader, const LocalCalendar& calendar, ScanProgress* progress)
+        : files_(files), reader_(reader), calendar_(calendar), progress_(progress) {}
 
     void walk(const std::string& folderPath) {
         for (const FolderEntry& entry : listFolder(folderPath)) {
@@ -81,7 +81,9 @@ public:
             if (entry.isFolder) {
                 walk(path);
             } else {
+                if (progress_) progress_->logFilesFound.fetch_add(1, std::memory_order_relaxed);
                 visitLog(path, entry);
+                if (progress_) progress_->logFilesDone.fetch_add(1, std::memory_order_relaxed);
             }
         }
     }
@@ -96,8 +98,8 @@ private:
         // The state file holds text: a name that is not UTF-8 is known by the
         // text it is saved as, so that the next run finds it again.
         const std::string key = validUtf8(path);
-        if (const auto stored = state_.files.find(key);
-            stored != state_.files.end() && stored->second.size == size && stored->second.modified == modified) {
+        if (const auto stored = files_.find(key);
+            stored != files_.end() && stored->second.size == size && stored->second.modified == modified) {
             ++counters_.filesReused;
             mergeDayMap(days_, stored->second.days);
             return;
@@ -122,15 +124,17 @@ private:
                 return;
             }
         }
+        if (progress_) progress_->bytesRead.fetch_add(fresh.size, std::memory_order_relaxed);
         fresh.days = daysOfFile(std::move(reading), sessionId, calendar_);
         mergeDayMap(days_, fresh.days);
-        state_.files[key] = std::move(fresh);
+        files_[key] = std::move(fresh);
         ++counters_.filesRead;
     }
 
-    ImportState& state_;
+    FileEntries& files_;
     const LogFileReader& reader_;
     const LocalCalendar& calendar_;
+    ScanProgress* progress_;
     DayMap days_;
     ScanCounters counters_;
 };
@@ -150,11 +154,11 @@ DayMap daysOfFile(FileReading reading, std::string_view sessionId, const LocalCa
     return days;
 }
 
-FolderScan scan(const std::filesystem::path& folder, ImportState& state, const LogFileReader& reader,
-                const LocalCalendar& calendar) {
+FolderScan scan(const std::filesystem::path& folder, FileEntries& files, const LogFileReader& reader,
+                const LocalCalendar& calendar, ScanProgress* progress) {
     std::error_code code;
     if (!std::filesystem::is_directory(folder, code)) return {};
-    FolderWalk walk(state, reader, calendar);
+    FolderWalk walk(files, reader, calendar, progress);
     walk.walk(absoluteFolderText(folder));
     return FolderScan{walk.takeDays(), walk.counters()};
 }

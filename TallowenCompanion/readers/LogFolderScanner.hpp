@@ -1,8 +1,9 @@
 #pragma once
 
-#include "import/ImportState.hpp"
+#include "model/FileEntry.hpp"
 #include "model/LocalCalendar.hpp"
-#include "readers/UsageEvent.hpp"
+#include "model/ScanProgress.hpp"
+#include "model/UsageEvent.hpp"
 #include "readers/UsageReaders.hpp"
 
 #include <filesystem>
@@ -29,12 +30,13 @@ struct FolderScan {
 };
 
 // Walks `folder` for "*.jsonl" logs, skipping hidden files and folders. A file
-// whose size and modification time match its entry in `state` keeps its stored
+// whose size and modification time match its entry in `files` keeps its stored
 // days; any other is mapped, read with `reader` and its entry renewed. A file
 // that cannot be read keeps its old entry and counts for nothing this time.
 // Entries are keyed by the file's absolute path as text.
-FolderScan scan(const std::filesystem::path& folder, ImportState& state, const LogFileReader& reader,
-                const LocalCalendar& calendar);
+// `progress`, when given, follows the files found, done and the bytes read.
+FolderScan scan(const std::filesystem::path& folder, FileEntries& files, const LogFileReader& reader,
+                const LocalCalendar& calendar, ScanProgress* progress = nullptr);
 
 // One file's days: its events folded by the episode rule under `sessionId`,
 // and its quota, if any, held by the day the snapshot was taken.

@@ -1,6 +1,6 @@
 #include "readers/ModelPricing.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 
 #include <charconv>
 #include <string>

@@ -21,8 +21,8 @@ void addTool(LogReadOutcome& outcome, UsageTool tool, DayMap days) {
 
 }  // namespace
 
-LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, ImportState& state,
-                           const LocalCalendar& calendar) {
+LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, FileEntries& files,
+                           const LocalCalendar& calendar, ScanProgress* progress) {
     LogReadOutcome outcome;
 
     // One reader per run: each keeps its parser's buffers from file to file.
@@ -32,7 +32,7 @@ LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, ImportState&
         claudeCode.parseFile(bytes, reading.events);
         return reading;
     };
-    FolderScan claudeScan = scan(homeFolder / ".claude" / "projects", state, readClaudeCode, calendar);
+    FolderScan claudeScan = scan(homeFolder / ".claude" / "projects", files, readClaudeCode, calendar, progress);
     addCounters(outcome.counters, claudeScan.counters);
     if (claudeScan.days) addTool(outcome, UsageTool::claudeCode, std::move(*claudeScan.days));
 
@@ -45,7 +45,7 @@ LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, ImportState&
     };
     std::optional<DayMap> codexDays;
     for (const char* folder : {"sessions", "archived_sessions"}) {
-        FolderScan codexScan = scan(homeFolder / ".codex" / folder, state, readCodex, calendar);
+        FolderScan codexScan = scan(homeFolder / ".codex" / folder, files, readCodex, calendar, progress);
         addCounters(outcome.counters, codexScan.counters);
         if (!codexScan.days) continue;
         if (!codexDays) codexDays.emplace();
@@ -53,7 +53,10 @@ LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, ImportState&
     }
     if (codexDays) addTool(outcome, UsageTool::codex, std::move(*codexDays));
 
-    if (auto cursorDays = readCursorUsage(homeFolder, calendar)) addTool(outcome, UsageTool::cursor, std::move(*cursorDays));
+    if (progress) progress->readingCursor.store(true, std::memory_order_relaxed);
+    auto cursorDays = readCursorUsage(homeFolder, calendar);
+    if (progress) progress->readingCursor.store(false, std::memory_order_relaxed);
+    if (cursorDays) addTool(outcome, UsageTool::cursor, std::move(*cursorDays));
     return outcome;
 }
 

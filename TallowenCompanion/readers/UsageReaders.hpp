@@ -1,7 +1,8 @@
 #pragma once
 
-#include "import/ImportState.hpp"
+#include "model/FileEntry.hpp"
 #include "model/LocalCalendar.hpp"
+#include "model/ScanProgress.hpp"
 #include "model/UsageTool.hpp"
 
 #include <cstdint>
@@ -24,10 +25,11 @@ struct LogReadOutcome {
 };
 
 // Runs the Claude Code, Codex and Cursor readers against a home folder,
-// renewing `state` for every log file that changed. A tool whose source is
+// renewing `files` for every log file that changed. A tool whose source is
 // absent is neither detected nor in the results; one whose source holds
 // nothing is detected with an empty day map.
-LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, ImportState& state,
-                           const LocalCalendar& calendar);
+// `progress`, when given, is kept up to date for a shell to show.
+LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, FileEntries& files,
+                           const LocalCalendar& calendar, ScanProgress* progress = nullptr);
 
 }  // namespace tallowen

@@ -1,8 +1,8 @@
 #include "store/SqliteSampleStore.hpp"
 
-#include "store/SqliteFileUri.hpp"
+#include "base/SqliteFileUri.hpp"
 
-#include "model/JsonWriter.hpp"
+#include "base/JsonWriter.hpp"
 
 #include <simdjson.h>
 #include <sqlite3.h>

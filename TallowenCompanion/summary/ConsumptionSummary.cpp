@@ -1,6 +1,6 @@
 #include "summary/ConsumptionSummary.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 #include "summary/OneSamplePerSlot.hpp"
 

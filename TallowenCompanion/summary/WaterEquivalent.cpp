@@ -1,6 +1,6 @@
 #include "summary/WaterEquivalent.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "ui/CleaningProgress.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 
 #include <algorithm>
 #include <cmath>

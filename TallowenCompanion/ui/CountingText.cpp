@@ -1,6 +1,6 @@
 #include "ui/CountingText.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 #include "ui/MenuFormats.hpp"
 
 #include <algorithm>

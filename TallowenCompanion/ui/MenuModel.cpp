@@ -1,7 +1,7 @@
 #include "ui/MenuModel.hpp"
 
 #include "app/CloudSyncStatus.hpp"
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 #include "summary/OneSamplePerSlot.hpp"
 #include "summary/WaterEquivalent.hpp"

@@ -1,5 +1,5 @@
 #include "activity/AppActivityRecorder.hpp"
-#include "model/Files.hpp"
+#include "base/Files.hpp"
 #include "support/Dates.hpp"
 #include "support/ScopedTimeZone.hpp"
 #include "support/TempDir.hpp"

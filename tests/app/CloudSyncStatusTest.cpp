@@ -1,5 +1,5 @@
 #include "app/CloudSyncStatus.hpp"
-#include "app/MemorySettingsStore.hpp"
+#include "model/MemorySettingsStore.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "app/JsonSettingsStore.hpp"
-#include "model/Files.hpp"
+#include "store/JsonSettingsStore.hpp"
+#include "base/Files.hpp"
 #include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>

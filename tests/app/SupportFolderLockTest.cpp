@@ -1,4 +1,4 @@
-#include "app/SupportFolderLock.hpp"
+#include "base/SupportFolderLock.hpp"
 #include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>

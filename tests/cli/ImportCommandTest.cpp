@@ -1,4 +1,4 @@
-#include "app/SupportFolderLock.hpp"
+#include "base/SupportFolderLock.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "support/RunCommand.hpp"
 #include "support/Samples.hpp"

@@ -2,7 +2,7 @@
 #include "TextWidth.hpp"
 #include "model/DayKey.hpp"
 #include "model/Iso8601Format.hpp"
-#include "model/JsonRead.hpp"
+#include "base/JsonRead.hpp"
 #include "readers/ModelPricing.hpp"
 #include "summary/BottleLevel.hpp"
 #include "support/RunCommand.hpp"

@@ -1,6 +1,6 @@
 #include "import/DuplicatePurge.hpp"
 
-#include "app/MemorySettingsStore.hpp"
+#include "model/MemorySettingsStore.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "support/Dates.hpp"
 #include "support/Samples.hpp"

@@ -1,7 +1,7 @@
 #include "import/UsageImporter.hpp"
 
-#include "app/JsonSettingsStore.hpp"
-#include "app/MemorySettingsStore.hpp"
+#include "store/JsonSettingsStore.hpp"
+#include "model/MemorySettingsStore.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "support/Dates.hpp"
 #include "support/Samples.hpp"
@@ -214,11 +214,11 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
     std::promise<void> release;
     std::shared_future<void> released = release.get_future().share();
     std::promise<void> reading;
-    LogReading slowReading = [&, released](const std::filesystem::path& homeFolder, ImportState& state,
-                                           const LocalCalendar& calendar) {
+    LogReading slowReading = [&, released](const std::filesystem::path& homeFolder, FileEntries& files,
+                                           const LocalCalendar& calendar, ScanProgress* progress) {
         reading.set_value();
         released.wait();
-        return readAllLogs(homeFolder, state, calendar);
+        return readAllLogs(homeFolder, files, calendar, progress);
     };
     AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
     JsonSettingsStore settings = JsonSettingsStore::inSupportFolder(support());

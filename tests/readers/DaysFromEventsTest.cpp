@@ -1,4 +1,4 @@
-#include "readers/DaysFromEvents.hpp"
+#include "model/DaysFromEvents.hpp"
 #include "support/Dates.hpp"
 #include "support/ScopedTimeZone.hpp"
 

@@ -70,10 +70,10 @@ protected:
     LocalCalendar calendar;
     TempDir home;
     CountingReader counting;
-    ImportState state;
+    FileEntries files;
 
     std::filesystem::path folder() const { return home.path() / "projects"; }
-    FolderScan scanFolder() { return scan(folder(), state, counting.reader(), calendar); }
+    FolderScan scanFolder() { return scan(folder(), files, counting.reader(), calendar); }
 };
 
 TEST_F(LogFolderScannerTest, ReadsVisibleJsonlFilesAtAnyDepthOnly) {
@@ -105,11 +105,11 @@ TEST_F(LogFolderScannerTest, ReadsVisibleJsonlFilesAtAnyDepthOnly) {
 
     // Entries are keyed by absolute path; an empty file has an entry with no days.
     const std::string root = home.path().string() + "/projects/";
-    ASSERT_EQ(state.files.size(), 4u);
-    EXPECT_TRUE(state.files.count(root + "a/s1.jsonl"));
-    EXPECT_TRUE(state.files.count(root + "b/c/s6.jsonl"));
-    EXPECT_TRUE(state.files.at(root + "a/empty.jsonl").days.empty());
-    EXPECT_EQ(state.files.at(root + "a/s1.jsonl").size, static_cast<int64_t>(eventLine(morning, 100, 10).size()));
+    ASSERT_EQ(files.size(), 4u);
+    EXPECT_TRUE(files.count(root + "a/s1.jsonl"));
+    EXPECT_TRUE(files.count(root + "b/c/s6.jsonl"));
+    EXPECT_TRUE(files.at(root + "a/empty.jsonl").days.empty());
+    EXPECT_EQ(files.at(root + "a/s1.jsonl").size, static_cast<int64_t>(eventLine(morning, 100, 10).size()));
 }
 
 TEST_F(LogFolderScannerTest, AMissingFolderYieldsNothingAndAnEmptyOneAnEmptyMap) {
@@ -161,8 +161,8 @@ TEST_F(LogFolderScannerTest, AVanishedFileKeepsItsEntryButNoLongerCounts) {
     EXPECT_EQ(result.counters.filesReused, 1);
     EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 100);
     EXPECT_EQ(result.days->at("2025-03-14").sessions, (std::set<std::string>{"kept#0"}));
-    EXPECT_EQ(state.files.size(), 2u);
-    EXPECT_TRUE(state.files.count(gone.string()));
+    EXPECT_EQ(files.size(), 2u);
+    EXPECT_TRUE(files.count(gone.string()));
 }
 
 TEST_F(LogFolderScannerTest, AnUnreadableFileKeepsItsOldEntryAndIsReadOnceReadableAgain) {
@@ -171,14 +171,14 @@ TEST_F(LogFolderScannerTest, AnUnreadableFileKeepsItsOldEntryAndIsReadOnceReadab
     home.write("projects/ok.jsonl", eventLine(morning, 1, 1));
     const auto locked = home.write("projects/locked.jsonl", eventLine(morning, 100, 10));
     scanFolder();
-    const FileEntry before = state.files.at(locked.string());
+    const FileEntry before = files.at(locked.string());
 
     home.write("projects/locked.jsonl", eventLine(morning, 200, 20) + eventLine(morning, 300, 30));
     std::filesystem::permissions(locked, std::filesystem::perms::none);
     FolderScan result = scanFolder();
     EXPECT_EQ(result.counters.filesUnreadable, 1);
     EXPECT_EQ(result.counters.filesReused, 1);
-    EXPECT_EQ(state.files.at(locked.string()), before);
+    EXPECT_EQ(files.at(locked.string()), before);
     EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 1);
 
     std::filesystem::permissions(locked, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
@@ -192,19 +192,19 @@ TEST_F(LogFolderScannerTest, AFileThatVanishesMidScanKeepsItsOldEntry) {
     home.write("projects/a.jsonl", eventLine(morning, 1, 1));
     const auto later = home.write("projects/b.jsonl", eventLine(morning, 100, 10));
     scanFolder();
-    const FileEntry before = state.files.at(later.string());
+    const FileEntry before = files.at(later.string());
 
     // Both files change; b disappears while a is being read, after the folder was listed.
     home.write("projects/a.jsonl", eventLine(morning, 2, 2) + eventLine(morning, 3, 3));
     home.write("projects/b.jsonl", eventLine(morning, 200, 20) + eventLine(morning, 300, 30));
     const LogFileReader inner = counting.reader();
-    const FolderScan result = scan(folder(), state, [&](std::string_view bytes) {
+    const FolderScan result = scan(folder(), files, [&](std::string_view bytes) {
         std::filesystem::remove(later);
         return inner(bytes);
     }, calendar);
     EXPECT_EQ(result.counters.filesRead, 1);
     EXPECT_EQ(result.counters.filesUnreadable, 1);
-    EXPECT_EQ(state.files.at(later.string()), before);
+    EXPECT_EQ(files.at(later.string()), before);
     EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 5);
 }
 
@@ -212,20 +212,20 @@ TEST_F(LogFolderScannerTest, AFileShortenedWhileBeingReadIsDroppedForThisRunWith
     const Date morning = localDate(2025, 3, 14, 10);
     const auto log = home.write("projects/a.jsonl", eventLine(morning, 1, 1));
     scanFolder();
-    const FileEntry before = state.files.at(log.string());
+    const FileEntry before = files.at(log.string());
 
     // Several pages of log; the writer cuts the file to nothing while it is being read.
     std::string grown;
     while (grown.size() < 5 * 4096) grown += eventLine(morning, 7, 7);
     home.write("projects/a.jsonl", grown);
     const LogFileReader inner = counting.reader();
-    const FolderScan result = scan(folder(), state, [&](std::string_view bytes) {
+    const FolderScan result = scan(folder(), files, [&](std::string_view bytes) {
         EXPECT_EQ(::truncate(log.c_str(), 0), 0);
         return inner(bytes);
     }, calendar);
     EXPECT_EQ(result.counters.filesRead, 0);
     EXPECT_EQ(result.counters.filesUnreadable, 1);
-    EXPECT_EQ(state.files.at(log.string()), before);
+    EXPECT_EQ(files.at(log.string()), before);
 
     // Next run: the shortened file is read as it now stands.
     EXPECT_EQ(scanFolder().counters.filesRead, 1);
@@ -239,9 +239,9 @@ TEST_F(LogFolderScannerTest, ASavedAndReloadedStateMakesAWarmRunThatReadsNothing
     const FolderScan cold = scanFolder();
     ASSERT_EQ(cold.counters.filesRead, 5);
     const ImportStateFile file(home.path() / "support");
-    ASSERT_TRUE(file.save(state));
+    ASSERT_TRUE(file.save(ImportState{.files = files}));
 
-    state = file.load();
+    files = file.load().files;
     const FolderScan warm = scanFolder();
     EXPECT_EQ(warm.counters.filesRead, 0);
     EXPECT_EQ(warm.counters.filesReused, 5);
@@ -258,10 +258,10 @@ TEST_F(LogFolderScannerTest, ALogNameThatIsNotUtf8NeitherSpoilsTheSavedStateNorI
     EXPECT_EQ(cold.days->at("2025-03-14").sessions,
               (std::set<std::string>{"caf\xef\xbf\xbd-\xef\xbf\xbd#0", "plain#0"}));
     const ImportStateFile file(home.path() / "support");
-    ASSERT_TRUE(file.save(state));
+    ASSERT_TRUE(file.save(ImportState{.files = files}));
 
-    state = file.load();
-    EXPECT_EQ(state.files.size(), 2u);
+    files = file.load().files;
+    EXPECT_EQ(files.size(), 2u);
     const FolderScan warm = scanFolder();
     EXPECT_EQ(warm.counters.filesRead, 0);
     EXPECT_EQ(warm.counters.filesReused, 2);

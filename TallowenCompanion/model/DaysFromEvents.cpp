@@ -1,6 +1,6 @@
-#include "readers/DaysFromEvents.hpp"
+#include "model/DaysFromEvents.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "model/Files.hpp"
+#include "base/Files.hpp"
 
 #include <cerrno>
 #include <cstdio>

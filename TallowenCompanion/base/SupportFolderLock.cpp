@@ -1,4 +1,4 @@
-#include "app/SupportFolderLock.hpp"
+#include "base/SupportFolderLock.hpp"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "store/SqliteFileUri.hpp"
+#include "base/SqliteFileUri.hpp"
 
 namespace tallowen {
 

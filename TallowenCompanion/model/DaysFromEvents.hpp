@@ -1,8 +1,8 @@
 #pragma once
 
-#include "import/ImportState.hpp"
+#include "model/DayUsage.hpp"
 #include "model/LocalCalendar.hpp"
-#include "readers/UsageEvent.hpp"
+#include "model/UsageEvent.hpp"
 
 #include <string_view>
 #include <vector>

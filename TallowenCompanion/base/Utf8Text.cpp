@@ -1,4 +1,4 @@
-#include "model/Utf8Text.hpp"
+#include "base/Utf8Text.hpp"
 
 #include <unicode/utf8.h>
 

@@ -1,6 +1,6 @@
-#include "import/ImportState.hpp"
+#include "model/DayUsage.hpp"
 
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 
 namespace tallowen {
 

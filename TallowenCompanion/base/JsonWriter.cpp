@@ -1,6 +1,6 @@
-#include "model/JsonWriter.hpp"
+#include "base/JsonWriter.hpp"
 
-#include "model/Utf8Text.hpp"
+#include "base/Utf8Text.hpp"
 
 #include <charconv>
 #include <cmath>

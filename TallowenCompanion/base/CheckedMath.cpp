@@ -1,4 +1,4 @@
-#include "model/CheckedMath.hpp"
+#include "base/CheckedMath.hpp"
 
 #include <cmath>
 #include <cstdio>

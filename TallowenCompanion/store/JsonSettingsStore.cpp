@@ -1,8 +1,8 @@
-#include "app/JsonSettingsStore.hpp"
+#include "store/JsonSettingsStore.hpp"
 
-#include "model/Files.hpp"
-#include "model/JsonRead.hpp"
-#include "model/JsonWriter.hpp"
+#include "base/Files.hpp"
+#include "base/JsonRead.hpp"
+#include "base/JsonWriter.hpp"
 
 #include <map>
 #include <variant>

@@ -1,4 +1,4 @@
-#include "app/SupportFolder.hpp"
+#include "base/SupportFolder.hpp"
 
 namespace tallowen {
 
