@@ -47,7 +47,7 @@ UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& h
     try {
         const ImportStateFile stateFile(supportFolder);
         ImportState state = stateFile.load();
-        work.logs = readLogs(homeFolder, state.files, calendar, nullptr);
+        work.logs = readLogs(homeFolder, state.files, calendar, ScanSettings{});
         // A failed save only makes the next run read every file again.
         stateFile.save(state);
     } catch (const std::exception& failure) {

@@ -3,12 +3,11 @@
 #include "model/DayKey.hpp"
 #include "base/Utf8Text.hpp"
 #include "model/DaysFromEvents.hpp"
-#include "readers/MappedFile.hpp"
-#include "readers/TornReadGuard.hpp"
 
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
+#include <numeric>
 #include <string>
 #include <sys/stat.h>
 #include <utility>
@@ -68,82 +67,81 @@ std::vector<FolderEntry> listFolder(const std::string& folderPath) {
     return entries;
 }
 
-class FolderWalk {
-public:
-    FolderWalk(FileEntries& files, const LogFileReader& reader, const LocalCalendar& calendar, ScanProgress* progress)
-        : files_(files), reader_(reader), calendar_(calendar), progress_(progress) {}
+// A log file found by the walk, and what became of it.
+struct LogFile {
+    size_t folder = 0;
+    std::string path;
+    std::string key;
+    std::string sessionId;
+    FileStamp listed;
+    enum class Outcome { reused, read, unreadable } outcome = Outcome::reused;
+    // The renewed entry of a file read.
+    FileEntry fresh;
+};
 
-    void walk(const std::string& folderPath) {
-        for (const FolderEntry& entry : listFolder(folderPath)) {
-            std::string path = folderPath;
-            if (path.empty() || path.back() != '/') path += '/';
-            path += entry.name;
-            if (entry.isFolder) {
-                walk(path);
-            } else {
-                if (progress_) progress_->logFilesFound.fetch_add(1, std::memory_order_relaxed);
-                visitLog(path, entry);
-                if (progress_) progress_->logFilesDone.fetch_add(1, std::memory_order_relaxed);
-            }
+void walkFolder(size_t folderIndex, const std::string& folderPath, std::vector<LogFile>& found) {
+    for (const FolderEntry& entry : listFolder(folderPath)) {
+        std::string path = folderPath;
+        if (path.empty() || path.back() != '/') path += '/';
+        path += entry.name;
+        if (entry.isFolder) {
+            walkFolder(folderIndex, path, found);
+            continue;
         }
-    }
-
-    DayMap takeDays() { return std::move(days_); }
-    const ScanCounters& counters() const { return counters_; }
-
-private:
-    void visitLog(const std::string& path, const FolderEntry& entry) {
-        const auto size = static_cast<int64_t>(entry.status.st_size);
-        const Date modified = modificationDate(entry.status);
+        LogFile file;
+        file.folder = folderIndex;
         // The state file holds text: a name that is not UTF-8 is known by the
         // text it is saved as, so that the next run finds it again.
-        const std::string key = validUtf8(path);
-        if (const auto stored = files_.find(key);
-            stored != files_.end() && stored->second.size == size && stored->second.modified == modified) {
-            ++counters_.filesReused;
-            mergeDayMap(days_, stored->second.days);
-            return;
-        }
-        const auto file = MappedFile::open(path);
-        if (!file) {
-            ++counters_.filesUnreadable;
-            return;
-        }
-        const std::string sessionId = validUtf8(std::filesystem::path(entry.name).stem().string());
-        FileEntry fresh;
-        // What was mapped, not what the listing saw: the entry describes the bytes read.
-        fresh.size = file->size();
-        fresh.modified = file->modified();
-        FileReading reading;
-        {
-            const TornReadGuard guard(file->bytes().data(), file->bytes().size());
-            reading = reader_(file->bytes());
-            if (guard.torn()) {
-                // Shortened while being read: what was read is not the file; read it next run.
-                ++counters_.filesUnreadable;
-                return;
-            }
-        }
-        if (progress_) progress_->bytesRead.fetch_add(fresh.size, std::memory_order_relaxed);
-        fresh.days = daysOfFile(std::move(reading), sessionId, calendar_);
-        mergeDayMap(days_, fresh.days);
-        files_[key] = std::move(fresh);
-        ++counters_.filesRead;
+        file.key = validUtf8(path);
+        file.sessionId = validUtf8(std::filesystem::path(entry.name).stem().string());
+        file.path = std::move(path);
+        file.listed = fileStamp(entry.status);
+        found.push_back(std::move(file));
     }
-
-    FileEntries& files_;
-    const LogFileReader& reader_;
-    const LocalCalendar& calendar_;
-    ScanProgress* progress_;
-    DayMap days_;
-    ScanCounters counters_;
-};
+}
 
 std::string absoluteFolderText(const std::filesystem::path& folder) {
     std::error_code ignored;
     std::string text = std::filesystem::absolute(folder, ignored).lexically_normal().string();
     while (text.size() > 1 && text.back() == '/') text.pop_back();
     return text;
+}
+
+// Counts the bytes handed to the reader, for the progress shown meanwhile.
+class CountedRuns final : public LineRuns {
+public:
+    CountedRuns(LineRuns& inner, ScanProgress* progress) : inner_(inner), progress_(progress) {}
+    void forEachRun(const std::function<void(std::string_view run)>& onRun) override {
+        inner_.forEachRun([&](std::string_view run) {
+            onRun(run);
+            if (progress_) progress_->bytesRead.fetch_add(static_cast<int64_t>(run.size()), std::memory_order_relaxed);
+        });
+    }
+
+private:
+    LineRuns& inner_;
+    ScanProgress* progress_;
+};
+
+void readLogFile(LogFile& file, const LogFileReader& reader, const LocalCalendar& calendar,
+                 const ScanSettings& settings) {
+    auto opened = WindowedLogFile::open(file.path, settings.windowBytes);
+    if (!opened) {
+        file.outcome = LogFile::Outcome::unreadable;
+        return;
+    }
+    CountedRuns lines(*opened, settings.progress);
+    FileReading reading = reader(lines);
+    if (opened->incomplete()) {
+        // Shortened while being read: what was read is not the file; read it next run.
+        file.outcome = LogFile::Outcome::unreadable;
+        return;
+    }
+    // What was opened, not what the listing saw: the entry describes the bytes read.
+    file.fresh.size = opened->stamp().size;
+    file.fresh.modified = opened->stamp().modified;
+    file.fresh.days = daysOfFile(std::move(reading), file.sessionId, calendar);
+    file.outcome = LogFile::Outcome::read;
 }
 
 }  // namespace
@@ -154,13 +152,70 @@ DayMap daysOfFile(FileReading reading, std::string_view sessionId, const LocalCa
     return days;
 }
 
-FolderScan scan(const std::filesystem::path& folder, FileEntries& files, const LogFileReader& reader,
-                const LocalCalendar& calendar, ScanProgress* progress) {
-    std::error_code code;
-    if (!std::filesystem::is_directory(folder, code)) return {};
-    FolderWalk walk(files, reader, calendar, progress);
-    walk.walk(absoluteFolderText(folder));
-    return FolderScan{walk.takeDays(), walk.counters()};
+std::vector<FolderScan> scanFolders(const std::vector<LogFolder>& folders, FileEntries& files,
+                                    const LocalCalendar& calendar, const ScanSettings& settings) {
+    std::vector<FolderScan> scans(folders.size());
+    std::vector<LogFile> found;
+    for (size_t index = 0; index < folders.size(); ++index) {
+        std::error_code code;
+        if (!std::filesystem::is_directory(folders[index].path, code)) continue;
+        scans[index].days.emplace();
+        walkFolder(index, absoluteFolderText(folders[index].path), found);
+    }
+
+    // Change detection before any reading, so the number of files to read is known up front.
+    std::vector<size_t> toRead;
+    for (size_t index = 0; index < found.size(); ++index) {
+        const auto stored = files.find(found[index].key);
+        const bool unchanged = stored != files.end() && stored->second.size == found[index].listed.size &&
+                               stored->second.modified == found[index].listed.modified;
+        if (!unchanged) toRead.push_back(index);
+    }
+    if (ScanProgress* progress = settings.progress) {
+        progress->logFilesFound.fetch_add(static_cast<int64_t>(found.size()), std::memory_order_relaxed);
+        progress->logFilesDone.fetch_add(static_cast<int64_t>(found.size() - toRead.size()),
+                                         std::memory_order_relaxed);
+    }
+
+    // The largest files are claimed first, so that one long log does not keep
+    // a thread busy after the others have run out of work.
+    std::stable_sort(toRead.begin(), toRead.end(),
+                     [&](size_t a, size_t b) { return found[a].listed.size > found[b].listed.size; });
+    const unsigned threads = std::max(1u, settings.workerThreads);
+    // Per thread, one reader per folder, made when the thread first needs it.
+    std::vector<std::vector<LogFileReader>> readers(threads, std::vector<LogFileReader>(folders.size()));
+    forEachItemOnThreads(toRead.size(), threads, [&](size_t item, unsigned thread) {
+        LogFile& file = found[toRead[item]];
+        LogFileReader& reader = readers[thread][file.folder];
+        if (!reader) reader = folders[file.folder].makeReader();
+        readLogFile(file, reader, calendar, settings);
+        if (settings.progress) settings.progress->logFilesDone.fetch_add(1, std::memory_order_relaxed);
+    });
+
+    // Summed in the order of the walk, whatever order the files were read in.
+    for (LogFile& file : found) {
+        FolderScan& folderScan = scans[file.folder];
+        switch (file.outcome) {
+            case LogFile::Outcome::reused:
+                ++folderScan.counters.filesReused;
+                mergeDayMap(*folderScan.days, files.at(file.key).days);
+                break;
+            case LogFile::Outcome::read:
+                ++folderScan.counters.filesRead;
+                mergeDayMap(*folderScan.days, file.fresh.days);
+                files[file.key] = std::move(file.fresh);
+                break;
+            case LogFile::Outcome::unreadable:
+                ++folderScan.counters.filesUnreadable;
+                break;
+        }
+    }
+    return scans;
+}
+
+FolderScan scan(const std::filesystem::path& folder, FileEntries& files, const LogReaderMaker& makeReader,
+                const LocalCalendar& calendar, const ScanSettings& settings) {
+    return std::move(scanFolders({LogFolder{folder, makeReader}}, files, calendar, settings).front());
 }
 
 }  // namespace tallowen

@@ -5,6 +5,8 @@
 #include "readers/CursorReader.hpp"
 #include "readers/LogFolderScanner.hpp"
 
+#include <memory>
+
 namespace tallowen {
 namespace {
 
@@ -22,40 +24,42 @@ void addTool(LogReadOutcome& outcome, UsageTool tool, DayMap days) {
 }  // namespace
 
 LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, FileEntries& files,
-                           const LocalCalendar& calendar, ScanProgress* progress) {
+                           const LocalCalendar& calendar, const ScanSettings& settings) {
     LogReadOutcome outcome;
 
-    // One reader per run: each keeps its parser's buffers from file to file.
-    ClaudeCodeReader claudeCode;
-    const LogFileReader readClaudeCode = [&claudeCode](std::string_view bytes) {
-        FileReading reading;
-        claudeCode.parseFile(bytes, reading.events);
-        return reading;
+    // Each thread gets its own reader, which keeps its parser's buffers from file to file.
+    const LogReaderMaker claudeCodeReader = [] {
+        return [reader = std::make_shared<ClaudeCodeReader>()](LineRuns& lines) {
+            FileReading reading;
+            lines.forEachRun([&](std::string_view run) { reader->parseFile(run, reading.events); });
+            return reading;
+        };
     };
-    FolderScan claudeScan = scan(homeFolder / ".claude" / "projects", files, readClaudeCode, calendar, progress);
-    addCounters(outcome.counters, claudeScan.counters);
-    if (claudeScan.days) addTool(outcome, UsageTool::claudeCode, std::move(*claudeScan.days));
-
-    CodexReader codex;
-    const LogFileReader readCodex = [&codex](std::string_view bytes) {
-        // The model and the quota belong to one file; nothing carries over to the next.
-        CodexFileState file;
-        codex.parseFile(bytes, file);
-        return FileReading{std::move(file.events), std::move(file.quota)};
+    const LogReaderMaker codexReader = [] {
+        return [reader = std::make_shared<CodexReader>()](LineRuns& lines) {
+            // The model and the quota belong to one file; nothing carries over to the next.
+            CodexFileState file;
+            lines.forEachRun([&](std::string_view run) { reader->parseFile(run, file); });
+            return FileReading{std::move(file.events), std::move(file.quota)};
+        };
     };
+    std::vector<FolderScan> scans = scanFolders({{homeFolder / ".claude" / "projects", claudeCodeReader},
+                                                 {homeFolder / ".codex" / "sessions", codexReader},
+                                                 {homeFolder / ".codex" / "archived_sessions", codexReader}},
+                                                files, calendar, settings);
+    for (const FolderScan& folderScan : scans) addCounters(outcome.counters, folderScan.counters);
+    if (scans[0].days) addTool(outcome, UsageTool::claudeCode, std::move(*scans[0].days));
     std::optional<DayMap> codexDays;
-    for (const char* folder : {"sessions", "archived_sessions"}) {
-        FolderScan codexScan = scan(homeFolder / ".codex" / folder, files, readCodex, calendar, progress);
-        addCounters(outcome.counters, codexScan.counters);
-        if (!codexScan.days) continue;
+    for (size_t index : {1, 2}) {
+        if (!scans[index].days) continue;
         if (!codexDays) codexDays.emplace();
-        mergeDayMap(*codexDays, *codexScan.days);
+        mergeDayMap(*codexDays, *scans[index].days);
     }
     if (codexDays) addTool(outcome, UsageTool::codex, std::move(*codexDays));
 
-    if (progress) progress->readingCursor.store(true, std::memory_order_relaxed);
+    if (ScanProgress* progress = settings.progress) progress->readingCursor.store(true, std::memory_order_relaxed);
     auto cursorDays = readCursorUsage(homeFolder, calendar);
-    if (progress) progress->readingCursor.store(false, std::memory_order_relaxed);
+    if (ScanProgress* progress = settings.progress) progress->readingCursor.store(false, std::memory_order_relaxed);
     if (cursorDays) addTool(outcome, UsageTool::cursor, std::move(*cursorDays));
     return outcome;
 }

@@ -2,7 +2,7 @@
 
 #include "model/FileEntry.hpp"
 #include "model/LocalCalendar.hpp"
-#include "model/ScanProgress.hpp"
+#include "readers/LogFolderScanner.hpp"
 #include "model/UsageTool.hpp"
 
 #include <cstdint>
@@ -10,12 +10,6 @@
 #include <vector>
 
 namespace tallowen {
-
-struct ScanCounters {
-    int64_t filesRead = 0;
-    int64_t filesReused = 0;
-    int64_t filesUnreadable = 0;
-};
 
 struct LogReadOutcome {
     // Tools whose source exists, in reading order: claude-code, codex, cursor.
@@ -28,8 +22,9 @@ struct LogReadOutcome {
 // renewing `files` for every log file that changed. A tool whose source is
 // absent is neither detected nor in the results; one whose source holds
 // nothing is detected with an empty day map.
-// `progress`, when given, is kept up to date for a shell to show.
+// The log files are read as `settings` say; its progress, when given, is kept
+// up to date for a shell to show.
 LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, FileEntries& files,
-                           const LocalCalendar& calendar, ScanProgress* progress = nullptr);
+                           const LocalCalendar& calendar, const ScanSettings& settings = {});
 
 }  // namespace tallowen

@@ -215,10 +215,10 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
     std::shared_future<void> released = release.get_future().share();
     std::promise<void> reading;
     LogReading slowReading = [&, released](const std::filesystem::path& homeFolder, FileEntries& files,
-                                           const LocalCalendar& calendar, ScanProgress* progress) {
+                                           const LocalCalendar& calendar, const ScanSettings& settings) {
         reading.set_value();
         released.wait();
-        return readAllLogs(homeFolder, files, calendar, progress);
+        return readAllLogs(homeFolder, files, calendar, settings);
     };
     AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
     JsonSettingsStore settings = JsonSettingsStore::inSupportFolder(support());

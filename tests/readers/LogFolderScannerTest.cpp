@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdio>
 #include <fcntl.h>
 #include <string>
@@ -32,28 +33,38 @@ std::string quotaLine(Date at, double percent) {
 
 // Stands in for a tool's reader and counts the files it is handed.
 struct CountingReader {
-    int filesRead = 0;
+    std::atomic<int> filesRead = 0;
 
-    LogFileReader reader() {
-        return [this](std::string_view bytes) {
-            ++filesRead;
-            FileReading reading;
-            forEachLine(bytes, [&](std::string_view line) {
-                const std::string text(line);
-                long long seconds = 0;
-                int input = 0;
-                int output = 0;
-                double percent = 0;
-                if (std::sscanf(text.c_str(), "quota %lld %lf", &seconds, &percent) == 2) {
-                    QuotaSnapshot snapshot;
-                    snapshot.at = Date::fromUnixSeconds(double(seconds));
-                    snapshot.primaryPercent = percent;
-                    keepLaterQuota(reading.quota, snapshot);
-                } else if (std::sscanf(text.c_str(), "%lld %d %d", &seconds, &input, &output) == 3) {
-                    reading.events.push_back(UsageEvent{Date::fromUnixSeconds(double(seconds)), input, output, 1, 1});
-                }
-            });
-            return reading;
+    static FileReading readBytes(std::string_view bytes) {
+        FileReading reading;
+        forEachLine(bytes, [&](std::string_view line) {
+            const std::string text(line);
+            long long seconds = 0;
+            int input = 0;
+            int output = 0;
+            double percent = 0;
+            if (std::sscanf(text.c_str(), "quota %lld %lf", &seconds, &percent) == 2) {
+                QuotaSnapshot snapshot;
+                snapshot.at = Date::fromUnixSeconds(double(seconds));
+                snapshot.primaryPercent = percent;
+                keepLaterQuota(reading.quota, snapshot);
+            } else if (std::sscanf(text.c_str(), "%lld %d %d", &seconds, &input, &output) == 3) {
+                reading.events.push_back(UsageEvent{Date::fromUnixSeconds(double(seconds)), input, output, 1, 1});
+            }
+        });
+        return reading;
+    }
+
+    // Reads each file whole, first calling `beforeReading` with its runs.
+    LogReaderMaker maker(std::function<void()> beforeReading = {}) {
+        return [this, beforeReading] {
+            return [this, beforeReading](LineRuns& lines) {
+                ++filesRead;
+                if (beforeReading) beforeReading();
+                std::string bytes;
+                lines.forEachRun([&](std::string_view run) { bytes += run; });
+                return readBytes(bytes);
+            };
         };
     }
 };
@@ -73,7 +84,7 @@ protected:
     FileEntries files;
 
     std::filesystem::path folder() const { return home.path() / "projects"; }
-    FolderScan scanFolder() { return scan(folder(), files, counting.reader(), calendar); }
+    FolderScan scanFolder() { return scan(folder(), files, counting.maker(), calendar); }
 };
 
 TEST_F(LogFolderScannerTest, ReadsVisibleJsonlFilesAtAnyDepthOnly) {
@@ -194,14 +205,12 @@ TEST_F(LogFolderScannerTest, AFileThatVanishesMidScanKeepsItsOldEntry) {
     scanFolder();
     const FileEntry before = files.at(later.string());
 
-    // Both files change; b disappears while a is being read, after the folder was listed.
-    home.write("projects/a.jsonl", eventLine(morning, 2, 2) + eventLine(morning, 3, 3));
+    // Both files change; b disappears while a, the larger, hence read first, is being read.
+    home.write("projects/a.jsonl", eventLine(morning, 2, 2) + eventLine(morning, 3, 3) + eventLine(morning, 0, 0) +
+                                       eventLine(morning, 0, 0));
     home.write("projects/b.jsonl", eventLine(morning, 200, 20) + eventLine(morning, 300, 30));
-    const LogFileReader inner = counting.reader();
-    const FolderScan result = scan(folder(), files, [&](std::string_view bytes) {
-        std::filesystem::remove(later);
-        return inner(bytes);
-    }, calendar);
+    const FolderScan result =
+        scan(folder(), files, counting.maker([&] { std::filesystem::remove(later); }), calendar, {.workerThreads = 1});
     EXPECT_EQ(result.counters.filesRead, 1);
     EXPECT_EQ(result.counters.filesUnreadable, 1);
     EXPECT_EQ(files.at(later.string()), before);
@@ -218,11 +227,8 @@ TEST_F(LogFolderScannerTest, AFileShortenedWhileBeingReadIsDroppedForThisRunWith
     std::string grown;
     while (grown.size() < 5 * 4096) grown += eventLine(morning, 7, 7);
     home.write("projects/a.jsonl", grown);
-    const LogFileReader inner = counting.reader();
-    const FolderScan result = scan(folder(), files, [&](std::string_view bytes) {
-        EXPECT_EQ(::truncate(log.c_str(), 0), 0);
-        return inner(bytes);
-    }, calendar);
+    const FolderScan result =
+        scan(folder(), files, counting.maker([&] { EXPECT_EQ(::truncate(log.c_str(), 0), 0); }), calendar);
     EXPECT_EQ(result.counters.filesRead, 0);
     EXPECT_EQ(result.counters.filesUnreadable, 1);
     EXPECT_EQ(files.at(log.string()), before);

@@ -1,0 +1,28 @@
+#include "readers/FileStamp.hpp"
+
+namespace tallowen {
+
+Date modificationDate(const struct stat& status) {
+#if defined(__APPLE__)
+    const struct timespec& time = status.st_mtimespec;
+#else
+    const struct timespec& time = status.st_mtim;
+#endif
+    // Whole seconds are moved to the reference date first, in integers, so the
+    // nanoseconds keep as much precision as a double allows.
+    const auto offset = static_cast<int64_t>(Date::unixEpochOffsetSeconds);
+    const double seconds = static_cast<double>(static_cast<int64_t>(time.tv_sec) - offset);
+    return Date{seconds + static_cast<double>(time.tv_nsec) / 1e9};
+}
+
+FileStamp fileStamp(const struct stat& status) {
+    return FileStamp{static_cast<int64_t>(status.st_size), modificationDate(status)};
+}
+
+std::optional<FileStamp> regularFileStamp(const std::filesystem::path& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    return fileStamp(status);
+}
+
+}  // namespace tallowen
