@@ -4,9 +4,10 @@
 
 #include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
+#include "readers/CursorFastPath.hpp"
 #include "readers/ModelPricing.hpp"
 
-#include <map>
+#include <unordered_map>
 #include <memory>
 #include <sqlite3.h>
 #include <string>
@@ -35,16 +36,21 @@ struct StatementFinalizer {
 using Database = std::unique_ptr<sqlite3, DatabaseCloser>;
 using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
 
-// A query that cannot be prepared yields no rows.
+// A query that cannot be prepared yields no rows. False when it stopped for a
+// reason that may pass: an error in the data itself (malformed JSON, a sum
+// that overflows, no such table) comes back with every read of the same bytes.
 template <typename OnRow>
-void forEachRow(sqlite3* database, const char* sql, OnRow&& onRow) {
+bool forEachRow(sqlite3* database, const char* sql, OnRow&& onRow) {
     sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(database, sql, -1, &raw, nullptr) != SQLITE_OK) {
+    const int prepared = sqlite3_prepare_v2(database, sql, -1, &raw, nullptr);
+    if (prepared != SQLITE_OK) {
         sqlite3_finalize(raw);
-        return;
+        return prepared == SQLITE_ERROR;
     }
     const Statement statement(raw);
-    while (sqlite3_step(statement.get()) == SQLITE_ROW) onRow(statement.get());
+    int stepped = SQLITE_ROW;
+    while ((stepped = sqlite3_step(statement.get())) == SQLITE_ROW) onRow(statement.get());
+    return stepped == SQLITE_DONE || stepped == SQLITE_ERROR;
 }
 
 std::optional<std::string> textColumn(sqlite3_stmt* statement, int column) {
@@ -74,6 +80,13 @@ std::optional<DayMap> readCursorUsage(const std::filesystem::path& homeFolder, c
 }
 
 std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar) {
+    auto reading = readCursorReading(databasePath, calendar);
+    if (!reading) return std::nullopt;
+    return std::move(reading->days);
+}
+
+std::optional<CursorReading> readCursorReading(const std::filesystem::path& databasePath,
+                                               const LocalCalendar& calendar) {
     std::error_code code;
     if (!std::filesystem::exists(databasePath, code)) return std::nullopt;
     sqlite3* raw = nullptr;
@@ -84,32 +97,49 @@ std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePa
     // The editor may hold a write lock: wait for it rather than fail at once.
     sqlite3_busy_timeout(database.get(), 4000);
 
-    std::map<std::string, std::string> creationDayKeys;
-    forEachRow(database.get(), creationQuery, [&](sqlite3_stmt* row) {
-        auto conversation = textColumn(row, 0);
-        const int64_t createdAtMilliseconds = sqlite3_column_int64(row, 1);
-        if (!conversation || createdAtMilliseconds < 1) return;
-        const Date created = Date::fromUnixSeconds(static_cast<double>(createdAtMilliseconds) / 1000.0);
-        creationDayKeys[std::move(*conversation)] = dayKey(created, calendar);
-    });
+    // The fast way reads the same rows; when it meets a value it cannot
+    // settle exactly as SQLite would, the reference decides instead.
+    auto rows = readCursorRowsFast(database.get());
+    if (!rows) rows = readCursorRowsByReference(database.get());
+    return CursorReading{cursorDaysFromRows(*rows, calendar), rows->repeatable};
+}
 
-    DayMap days;
-    forEachRow(database.get(), tokenQuery, [&](sqlite3_stmt* row) {
+CursorRows readCursorRowsByReference(sqlite3* database) {
+    CursorRows rows;
+    rows.repeatable = forEachRow(database, creationQuery, [&](sqlite3_stmt* row) {
+        auto conversation = textColumn(row, 0);
+        if (conversation) rows.creations.push_back({std::move(*conversation), sqlite3_column_int64(row, 1)});
+    });
+    const bool tokensRepeatable = forEachRow(database, tokenQuery, [&](sqlite3_stmt* row) {
         auto conversation = textColumn(row, 0);
         if (!conversation) return;
-        const int64_t inputTokens = sqlite3_column_int64(row, 1);
-        const int64_t outputTokens = sqlite3_column_int64(row, 2);
-        const int64_t messagesWithOutput = sqlite3_column_int64(row, 3);
-        if (checkedAdd(inputTokens, outputTokens) < 1) return;
-        const auto creationDay = creationDayKeys.find(*conversation);
-        if (creationDay == creationDayKeys.end()) return;
-        DayUsage& day = days[creationDay->second];
-        day.sessions.insert(std::move(*conversation));
-        addChecked(day.requests, messagesWithOutput);
-        addChecked(day.inputTokens, inputTokens);
-        addChecked(day.outputTokens, outputTokens);
-        addChecked(day.waterMilliliters, waterMilliliters(inputTokens, outputTokens, 0));
+        rows.conversations.push_back({std::move(*conversation), sqlite3_column_int64(row, 1),
+                                      sqlite3_column_int64(row, 2), sqlite3_column_int64(row, 3)});
     });
+    rows.repeatable = rows.repeatable && tokensRepeatable;
+    return rows;
+}
+
+DayMap cursorDaysFromRows(const CursorRows& rows, const LocalCalendar& calendar) {
+    std::unordered_map<std::string, std::string> creationDayKeys;
+    for (const CursorCreation& creation : rows.creations) {
+        // No creation time, or zero: the conversation has no day.
+        if (creation.createdAtMilliseconds < 1) continue;
+        const Date created = Date::fromUnixSeconds(static_cast<double>(creation.createdAtMilliseconds) / 1000.0);
+        creationDayKeys[creation.conversation] = dayKey(created, calendar);
+    }
+    DayMap days;
+    for (const CursorConversationTokens& tokens : rows.conversations) {
+        if (checkedAdd(tokens.inputTokens, tokens.outputTokens) < 1) continue;
+        const auto creationDay = creationDayKeys.find(tokens.conversation);
+        if (creationDay == creationDayKeys.end()) continue;
+        DayUsage& day = days[creationDay->second];
+        day.sessions.insert(tokens.conversation);
+        addChecked(day.requests, tokens.messagesWithOutput);
+        addChecked(day.inputTokens, tokens.inputTokens);
+        addChecked(day.outputTokens, tokens.outputTokens);
+        addChecked(day.waterMilliliters, waterMilliliters(tokens.inputTokens, tokens.outputTokens, 0));
+    }
     return days;
 }
 
