@@ -5,6 +5,7 @@
 #include "SampleJson.hpp"
 
 #include "import/DaySample.hpp"
+#include "import/CursorDayCacheFile.hpp"
 #include "import/ImportStateFile.hpp"
 #include "base/JsonWriter.hpp"
 #include "readers/UsageReaders.hpp"
@@ -102,9 +103,13 @@ int runScanCommand(const std::vector<std::string>& arguments) {
     const EngineEnvironment& environment = start->environment;
     const ImportStateFile stateFile(environment.supportFolder);
     ImportState state = stateFile.load();
-    const LogReadOutcome outcome = readAllLogs(environment.homeFolder, state.files, environment.calendar);
+    const CursorDayCacheFile cursorFile(environment.supportFolder);
+    std::optional<CursorDayCache> cursorCache = cursorFile.load();
+    const auto cursorStamps = cursorStampsOf(cursorCache);
+    const LogReadOutcome outcome = readAllLogs(environment.homeFolder, state.files, cursorCache, environment.calendar);
     // A failed save only means the next scan reads the files again.
     stateFile.save(state);
+    if (cursorStampsOf(cursorCache) != cursorStamps) cursorFile.save(cursorCache);
 
     const std::string report = options.has("--json") ? jsonReport(outcome) + "\n" : tableReport(outcome);
     std::fwrite(report.data(), 1, report.size(), stdout);

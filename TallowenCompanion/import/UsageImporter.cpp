@@ -1,6 +1,7 @@
 #include "import/UsageImporter.hpp"
 
 #include "base/SupportFolderLock.hpp"
+#include "import/CursorDayCacheFile.hpp"
 #include "import/ImportStateFile.hpp"
 #include "import/SampleWriter.hpp"
 #include "base/CheckedMath.hpp"
@@ -47,9 +48,13 @@ UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& h
     try {
         const ImportStateFile stateFile(supportFolder);
         ImportState state = stateFile.load();
-        work.logs = readLogs(homeFolder, state.files, calendar, ScanSettings{});
+        const CursorDayCacheFile cursorFile(supportFolder);
+        std::optional<CursorDayCache> cursorCache = cursorFile.load();
+        const auto cursorStamps = cursorStampsOf(cursorCache);
+        work.logs = readLogs(homeFolder, state.files, cursorCache, calendar, ScanSettings{});
         // A failed save only makes the next run read every file again.
         stateFile.save(state);
+        if (cursorStampsOf(cursorCache) != cursorStamps) cursorFile.save(cursorCache);
     } catch (const std::exception& failure) {
         work.logs = LogReadOutcome{};
         work.failure = failure.what();

@@ -36,7 +36,8 @@ enum class ImporterProperty {
 using SampleStoreOpener = std::function<std::unique_ptr<SampleStore>()>;
 // The log readers' pass over a home folder (readAllLogs outside tests).
 using LogReading = std::function<LogReadOutcome(const std::filesystem::path& homeFolder, FileEntries& files,
-                                                const LocalCalendar&, const ScanSettings& settings)>;
+                                                std::optional<CursorDayCache>& cursorCache, const LocalCalendar&,
+                                                const ScanSettings& settings)>;
 
 // The engine the rest of the application talks to. One import run reads the
 // logs and the activation stamps, runs the one-time duplicate purge, writes

@@ -1,7 +1,14 @@
 #include "model/LocalCalendar.hpp"
 
+#include "base/Files.hpp"
+
+#include <cinttypes>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <ctime>
+#include <filesystem>
+#include <string_view>
 
 namespace tallowen {
 namespace {
@@ -13,7 +20,39 @@ bool localParts(Date date, std::tm& out) {
     return localtime_r(&seconds, &out) != nullptr;
 }
 
+// FNV-1a, 64 bits: enough to tell two zone files apart.
+uint64_t digestOf(std::string_view bytes) {
+    uint64_t digest = 14695981039346656037ull;
+    for (const char byte : bytes) {
+        digest ^= static_cast<unsigned char>(byte);
+        digest *= 1099511628211ull;
+    }
+    return digest;
+}
+
+// The zone file the C library reads for a TZ value, or for no TZ at all.
+std::filesystem::path zoneFileOf(const char* setting) {
+    if (setting == nullptr) return "/etc/localtime";
+    std::string_view name = setting;
+    if (!name.empty() && name.front() == ':') name.remove_prefix(1);
+    if (name.empty()) return {};
+    if (name.front() == '/') return std::filesystem::path(name);
+    const char* folder = std::getenv("TZDIR");
+    return std::filesystem::path(folder != nullptr && *folder != '\0' ? folder : "/usr/share/zoneinfo") / name;
+}
+
 }  // namespace
+
+std::string LocalCalendar::timeZoneIdentity() const {
+    const char* setting = std::getenv("TZ");
+    std::string identity = setting != nullptr ? std::string("TZ=") + setting : std::string("local");
+    const std::filesystem::path zoneFile = zoneFileOf(setting);
+    // A TZ that names no file is a rule written out in full, or UTC.
+    const auto rules = zoneFile.empty() ? std::nullopt : readWholeFile(zoneFile);
+    char digest[32];
+    std::snprintf(digest, sizeof digest, " %016" PRIx64, rules ? digestOf(*rules) : 0);
+    return identity + digest;
+}
 
 LocalDateParts LocalCalendar::parts(Date date) const {
     std::tm tm{};

@@ -3,6 +3,7 @@
 #include "model/Date.hpp"
 
 #include <optional>
+#include <string>
 
 namespace tallowen {
 
@@ -25,6 +26,10 @@ public:
     std::optional<Date> startOfDay(int year, int month, int day) const;
     // The start of the day `days` calendar days after the day of `date`.
     std::optional<Date> startOfDayAdding(Date date, int days) const;
+    // Names the zone's rules as they stand: the TZ setting and a digest of the
+    // zone file it leads to (or of the system's local zone file), so that what
+    // was computed under one zone is not taken for what another would give.
+    std::string timeZoneIdentity() const;
 };
 
 }  // namespace tallowen

@@ -2,7 +2,6 @@
 
 #include "readers/ClaudeCodeReader.hpp"
 #include "readers/CodexReader.hpp"
-#include "readers/CursorReader.hpp"
 #include "readers/LogFolderScanner.hpp"
 
 #include <memory>
@@ -24,7 +23,8 @@ void addTool(LogReadOutcome& outcome, UsageTool tool, DayMap days) {
 }  // namespace
 
 LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, FileEntries& files,
-                           const LocalCalendar& calendar, const ScanSettings& settings) {
+                           std::optional<CursorDayCache>& cursorCache, const LocalCalendar& calendar,
+                           const ScanSettings& settings) {
     LogReadOutcome outcome;
 
     // Each thread gets its own reader, which keeps its parser's buffers from file to file.
@@ -58,7 +58,7 @@ LogReadOutcome readAllLogs(const std::filesystem::path& homeFolder, FileEntries&
     if (codexDays) addTool(outcome, UsageTool::codex, std::move(*codexDays));
 
     if (ScanProgress* progress = settings.progress) progress->readingCursor.store(true, std::memory_order_relaxed);
-    auto cursorDays = readCursorUsage(homeFolder, calendar);
+    auto cursorDays = readCursorUsage(homeFolder, calendar, cursorCache);
     if (ScanProgress* progress = settings.progress) progress->readingCursor.store(false, std::memory_order_relaxed);
     if (cursorDays) addTool(outcome, UsageTool::cursor, std::move(*cursorDays));
     return outcome;

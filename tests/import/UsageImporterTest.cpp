@@ -215,10 +215,11 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
     std::shared_future<void> released = release.get_future().share();
     std::promise<void> reading;
     LogReading slowReading = [&, released](const std::filesystem::path& homeFolder, FileEntries& files,
-                                           const LocalCalendar& calendar, const ScanSettings& settings) {
+                                           std::optional<CursorDayCache>& cursorCache, const LocalCalendar& calendar,
+                                           const ScanSettings& settings) {
         reading.set_value();
         released.wait();
-        return readAllLogs(homeFolder, files, calendar, settings);
+        return readAllLogs(homeFolder, files, cursorCache, calendar, settings);
     };
     AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
     JsonSettingsStore settings = JsonSettingsStore::inSupportFolder(support());

@@ -76,8 +76,9 @@ TEST(UsageReadersTest, ResultsAreTheSameWhateverTheThreadsAndWindows) {
     const auto page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
     const GeneratedHome home(20250314);
     FileEntries oneThreadFiles;
-    const LogReadOutcome oneThread =
-        readAllLogs(home.path(), oneThreadFiles, LocalCalendar{}, {.workerThreads = 1, .windowBytes = page});
+    std::optional<CursorDayCache> noCursor;
+    const LogReadOutcome oneThread = readAllLogs(home.path(), oneThreadFiles, noCursor, LocalCalendar{},
+                                                 {.workerThreads = 1, .windowBytes = page});
     ASSERT_EQ(oneThread.detected, (std::vector<UsageTool>{UsageTool::claudeCode, UsageTool::codex}));
     EXPECT_EQ(oneThread.counters.filesRead, 32);
     int64_t requests = 0;
@@ -91,7 +92,7 @@ TEST(UsageReadersTest, ResultsAreTheSameWhateverTheThreadsAndWindows) {
     for (const ScanSettings& settings : others) {
         SCOPED_TRACE(::testing::Message() << settings.workerThreads << " threads, window " << settings.windowBytes);
         FileEntries files;
-        const LogReadOutcome outcome = readAllLogs(home.path(), files, LocalCalendar{}, settings);
+        const LogReadOutcome outcome = readAllLogs(home.path(), files, noCursor, LocalCalendar{}, settings);
         EXPECT_EQ(outcome.results, oneThread.results);
         EXPECT_EQ(outcome.counters.filesRead, 32);
         EXPECT_EQ(files, oneThreadFiles);
