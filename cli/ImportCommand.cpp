@@ -9,7 +9,6 @@
 #include <cinttypes>
 #include <cstdio>
 #include <string>
-#include <thread>
 #include <unistd.h>
 
 namespace tallowen::cli {
@@ -104,8 +103,8 @@ ImportRunReport importWithProgress(UsageImporter& importer, ProgressLine& progre
     }
     const auto startedAt = std::chrono::steady_clock::now();
     for (;;) {
-        if (auto report = importer.finishImportIfReady()) return *report;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        // Woken as soon as the file work is back, not at the next tick.
+        if (auto report = importer.finishImportIfReady(std::chrono::milliseconds(50))) return *report;
         const auto seconds =
             std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - startedAt).count();
         if (seconds >= 1) progress.show("reading the logs… " + std::to_string(seconds) + " s");

@@ -108,7 +108,7 @@ int runScanCommand(const std::vector<std::string>& arguments) {
     const auto cursorStamps = cursorStampsOf(cursorCache);
     const LogReadOutcome outcome = readAllLogs(environment.homeFolder, state.files, cursorCache, environment.calendar);
     // A failed save only means the next scan reads the files again.
-    stateFile.save(state);
+    if (outcome.counters.filesRead > 0) stateFile.save(state);
     if (cursorStampsOf(cursorCache) != cursorStamps) cursorFile.save(cursorCache);
 
     const std::string report = options.has("--json") ? jsonReport(outcome) + "\n" : tableReport(outcome);

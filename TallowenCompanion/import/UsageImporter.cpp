@@ -52,8 +52,9 @@ UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& h
         std::optional<CursorDayCache> cursorCache = cursorFile.load();
         const auto cursorStamps = cursorStampsOf(cursorCache);
         work.logs = readLogs(homeFolder, state.files, cursorCache, calendar, ScanSettings{});
-        // A failed save only makes the next run read every file again.
-        stateFile.save(state);
+        // Only a file read renews an entry: with none, the state on disk is the
+        // one loaded. A failed save only makes the next run read every file again.
+        if (work.logs.counters.filesRead > 0) stateFile.save(state);
         if (cursorStampsOf(cursorCache) != cursorStamps) cursorFile.save(cursorCache);
     } catch (const std::exception& failure) {
         work.logs = LogReadOutcome{};
@@ -100,8 +101,8 @@ ImportRunReport::Outcome UsageImporter::startImport() {
     return ImportRunReport::Outcome::completed;
 }
 
-std::optional<ImportRunReport> UsageImporter::finishImportIfReady() {
-    if (!run_ || run_->fileWork.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return std::nullopt;
+std::optional<ImportRunReport> UsageImporter::finishImportIfReady(std::chrono::milliseconds wait) {
+    if (!run_ || run_->fileWork.wait_for(wait) != std::future_status::ready) return std::nullopt;
     return finishImport();
 }
 

@@ -8,6 +8,7 @@
 #include "readers/UsageReaders.hpp"
 #include "store/SampleStore.hpp"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <future>
@@ -59,9 +60,9 @@ public:
     // while a run is under way, here or in another process on the same
     // support folder, is dropped: nothing changes and the outcome says why.
     ImportRunReport::Outcome startImport();
-    // Completes the run once its file work is back; nothing while that work is
-    // still going on or when no run is under way. Never blocks.
-    std::optional<ImportRunReport> finishImportIfReady();
+    // Completes the run once its file work is back, waiting for it at most
+    // `wait`; nothing while that work is still going on or when no run is under way.
+    std::optional<ImportRunReport> finishImportIfReady(std::chrono::milliseconds wait = {});
     // Completes the run under way, waiting for its file work.
     std::optional<ImportRunReport> finishImport();
     // A whole run: start, then finish. A dropped request gives a report that says so.
