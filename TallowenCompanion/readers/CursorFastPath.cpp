@@ -208,14 +208,13 @@ struct RowBatch {
         int valueType = SQLITE_NULL;
         size_t conversationAt = 0;
         size_t conversationBytes = 0;
-        // Text and blobs lie in `bytes`, each followed by simdjson's padding.
+        // Text and blobs lie in the batch's bytes, each followed by simdjson's padding.
         size_t valueAt = 0;
         size_t valueBytes = 0;
         int64_t integer = 0;
         double real = 0;
     };
 
-    std::vector<char> bytes;
     std::vector<Row> rows;
     bool last = false;
     // Set by the thread that filled the batch, cleared by the one that emptied it.
@@ -243,26 +242,41 @@ struct RowBatch {
     }
 
     std::string_view conversation(const Row& row) const {
-        return {bytes.data() + row.conversationAt, row.conversationBytes};
+        return {bytes_.get() + row.conversationAt, row.conversationBytes};
     }
-    std::string_view value(const Row& row) const { return {bytes.data() + row.valueAt, row.valueBytes}; }
+    std::string_view value(const Row& row) const { return {bytes_.get() + row.valueAt, row.valueBytes}; }
+    size_t size() const { return used_; }
 
     StoredValue stored(const Row& row) const {
         return {row.valueType, std::string(value(row)), row.integer, row.real};
     }
 
     void clear() {
-        bytes.clear();
+        used_ = 0;
         rows.clear();
     }
 
 private:
     size_t append(std::string_view text, size_t padding) {
-        const size_t at = bytes.size();
-        bytes.resize(at + text.size() + padding);
-        if (!text.empty()) std::memcpy(bytes.data() + at, text.data(), text.size());
+        const size_t at = used_;
+        const size_t needed = at + text.size() + padding;
+        if (needed > capacity_) {
+            // Grown without filling: only what is copied in, and the padding, is ever read.
+            const size_t capacity = std::max(needed, 2 * capacity_);
+            std::unique_ptr<char[]> grown(new char[capacity]);
+            if (at > 0) std::memcpy(grown.get(), bytes_.get(), at);
+            bytes_ = std::move(grown);
+            capacity_ = capacity;
+        }
+        if (!text.empty()) std::memcpy(bytes_.get() + at, text.data(), text.size());
+        std::memset(bytes_.get() + at + text.size(), 0, padding);
+        used_ = needed;
         return at;
     }
+
+    std::unique_ptr<char[]> bytes_;
+    size_t used_ = 0;
+    size_t capacity_ = 0;
 };
 
 // Folds the rows into creations and per-conversation sums; leaves the values
@@ -444,7 +458,7 @@ std::optional<CursorRows> readCursorRowsFast(sqlite3* database) {
                 break;
             }
             batch->add(rows.get(), creation);
-            if (batch->bytes.size() >= RowBatch::fullBytes) {
+            if (batch->size() >= RowBatch::fullBytes) {
                 pipeline.send(*batch);
                 batch = &pipeline.batchToFill();
             }
