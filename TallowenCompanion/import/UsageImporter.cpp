@@ -25,6 +25,8 @@ struct UsageImporter::FileWork {
 struct UsageImporter::RunInProgress {
     SupportFolderLock lock;
     ToolResults activityResults;
+    // Shared with the background thread, which writes it while the shell reads.
+    std::shared_ptr<ScanProgress> progress;
     std::future<FileWork> fileWork;
     std::chrono::steady_clock::time_point startedAt = std::chrono::steady_clock::now();
 };
@@ -42,12 +44,13 @@ std::set<std::string> sampleKeysOf(const ToolResults& results) {
 
 UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& homeFolder,
                                                   const std::filesystem::path& supportFolder, LocalCalendar calendar,
-                                                  const LogReading& readLogs) {
+                                                  const LogReading& readLogs,
+                                                  std::shared_ptr<ScanProgress> progress) {
     FileWork work;
     try {
         const ImportStateFile stateFile(supportFolder);
         ImportState state = stateFile.load();
-        work.logs = readLogs(homeFolder, state.files, calendar, nullptr);
+        work.logs = readLogs(homeFolder, state.files, calendar, progress.get());
         // A failed save only makes the next run read every file again.
         stateFile.save(state);
     } catch (const std::exception& failure) {
@@ -88,10 +91,11 @@ ImportRunReport::Outcome UsageImporter::startImport() {
     setLastError(std::nullopt);
     ToolResults activityResults = activity_.dayUsage(environment_.calendar);
 
+    auto progress = std::make_shared<ScanProgress>();
     auto fileWork = std::async(std::launch::async, doFileWork, environment_.homeFolder,
-                               environment_.supportFolder, environment_.calendar, readLogs_);
+                               environment_.supportFolder, environment_.calendar, readLogs_, progress);
     run_ = std::make_unique<RunInProgress>(
-        RunInProgress{std::move(lock), std::move(activityResults), std::move(fileWork)});
+        RunInProgress{std::move(lock), std::move(activityResults), std::move(progress), std::move(fileWork)});
     return ImportRunReport::Outcome::completed;
 }
 
@@ -104,6 +108,8 @@ std::optional<ImportRunReport> UsageImporter::finishImport() {
     if (!run_) return std::nullopt;
     return complete(run_->fileWork.get());
 }
+
+const ScanProgress* UsageImporter::scanProgress() const { return run_ ? run_->progress.get() : nullptr; }
 
 ImportRunReport UsageImporter::runImport() {
     const auto started = startImport();

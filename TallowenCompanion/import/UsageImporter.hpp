@@ -80,6 +80,9 @@ public:
     int64_t todayTokens() const { return todayTokens_; }
     int64_t todayCostCents() const { return todayCostCents_; }
     std::optional<double> purgeProgress() const { return purgeProgress_; }
+    // How far the reading of the run under way has come, for a shell that
+    // shows progress while it waits; nothing when no run is under way.
+    const ScanProgress* scanProgress() const;
 
 private:
     struct FileWork;
@@ -87,7 +90,8 @@ private:
 
     // Runs on the background thread: touches nothing of the engine.
     static FileWork doFileWork(const std::filesystem::path& homeFolder, const std::filesystem::path& supportFolder,
-                               LocalCalendar calendar, const LogReading& readLogs);
+                               LocalCalendar calendar, const LogReading& readLogs,
+                               std::shared_ptr<ScanProgress> progress);
     ImportRunReport complete(FileWork work);
     void runPurge(SampleStore& store, const ToolResults& readerResults, ImportRunReport& report);
     void recomputeTodayFigures(SampleStore& store, Date now);

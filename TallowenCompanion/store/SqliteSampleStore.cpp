@@ -43,6 +43,8 @@ constexpr const char* schemaSql =
     " quotaPlan TEXT,"
     " updatedAt REAL NOT NULL DEFAULT " TALLOWEN_NOW_SINCE_2001 ");"
     "CREATE INDEX IF NOT EXISTS UsageSampleSlot ON UsageSample (dayKey, tool);"
+    // The fresh quotas are found without reading every record.
+    "CREATE INDEX IF NOT EXISTS UsageSampleUpdatedAt ON UsageSample (updatedAt);"
     "CREATE TABLE IF NOT EXISTS DayRecord ("
     " id INTEGER PRIMARY KEY AUTOINCREMENT,"
     " dayKey TEXT NOT NULL DEFAULT '',"
@@ -64,6 +66,13 @@ constexpr const char* schemaSql =
 
 constexpr const char* fetchAllSql = TALLOWEN_SELECT_SAMPLES " ORDER BY id";
 constexpr const char* fetchByDayKeySql = TALLOWEN_SELECT_SAMPLES " WHERE dayKey=? ORDER BY id";
+constexpr const char* fetchDaysSql = TALLOWEN_SELECT_SAMPLES " WHERE dayKey BETWEEN ? AND ? ORDER BY id";
+// Written as a union of two index searches: with an OR and ORDER BY id, SQLite
+// would walk every row in id order instead.
+constexpr const char* fetchFromDayOrQuotaSinceSql =
+    TALLOWEN_SELECT_SAMPLES " WHERE id IN (SELECT id FROM UsageSample WHERE dayKey>=?1 UNION ALL"
+                            " SELECT id FROM UsageSample WHERE updatedAt>=?2 AND"
+                            " (quotaPrimaryPercent IS NOT NULL OR quotaSecondaryPercent IS NOT NULL)) ORDER BY id";
 constexpr const char* newestInSlotSql =
     TALLOWEN_SELECT_SAMPLES " WHERE dayKey=? AND tool=? ORDER BY updatedAt DESC LIMIT 1";
 constexpr const char* insertSampleSql =
@@ -350,6 +359,24 @@ std::vector<UsageSample> SqliteSampleStore::fetchAll() {
 std::vector<UsageSample> SqliteSampleStore::fetchByDayKey(const std::string& dayKey) {
     auto query = statement(fetchByDayKeySql);
     query.bind(1, dayKey);
+    simdjson::dom::parser parser;
+    std::vector<UsageSample> samples;
+    while (query.step()) samples.push_back(readSample(query, parser));
+    return samples;
+}
+
+std::vector<UsageSample> SqliteSampleStore::fetchDays(const std::string& firstDayKey, const std::string& lastDayKey) {
+    auto query = statement(fetchDaysSql);
+    query.bind(1, firstDayKey).bind(2, lastDayKey);
+    simdjson::dom::parser parser;
+    std::vector<UsageSample> samples;
+    while (query.step()) samples.push_back(readSample(query, parser));
+    return samples;
+}
+
+std::vector<UsageSample> SqliteSampleStore::fetchFromDayOrQuotaSince(const std::string& dayKey, Date updatedSince) {
+    auto query = statement(fetchFromDayOrQuotaSinceSql);
+    query.bind(1, dayKey).bind(2, updatedSince);
     simdjson::dom::parser parser;
     std::vector<UsageSample> samples;
     while (query.step()) samples.push_back(readSample(query, parser));

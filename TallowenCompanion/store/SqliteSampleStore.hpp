@@ -56,6 +56,14 @@ public:
     // Binary text order on (dayKey, tool), then row order: stable between pages.
     std::vector<SampleSlot> slotPage(int64_t offset, int64_t limit) override;
 
+    // Reads for the terminal's short views, which need not load every record:
+    // the samples whose day key lies between the two keys (both included); the
+    // samples of days from `dayKey` on, with those carrying a quota updated at
+    // or after `updatedSince`. Both go through indexes. Duplicates are kept, as
+    // fetchAll() keeps them.
+    std::vector<UsageSample> fetchDays(const std::string& firstDayKey, const std::string& lastDayKey);
+    std::vector<UsageSample> fetchFromDayOrQuotaSince(const std::string& dayKey, Date updatedSince);
+
     // The per-day notes written by the phone; kept intact, never interpreted.
     std::vector<DayRecord> fetchDayRecords();
     std::string insertDayRecord(const DayRecord& record);
