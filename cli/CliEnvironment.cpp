@@ -1,6 +1,9 @@
 #include "CliEnvironment.hpp"
 
+#include "HelpText.hpp"
 #include "base/SupportFolder.hpp"
+
+#include <algorithm>
 
 #include <cstdio>
 #include <cstdlib>
@@ -49,10 +52,15 @@ std::optional<CommandStart> startCommand(const char* command, const std::vector<
                                          const std::set<std::string>& valueOptions,
                                          const std::set<std::string>& flagOptions, int& exitStatus,
                                          const OptionsCheck& check) {
+    if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
+        std::fputs(std::string(helpText(command).value_or("")).c_str(), stdout);
+        exitStatus = 0;
+        return std::nullopt;
+    }
     std::string error;
     auto options = parseOptions(arguments, valueOptions, flagOptions, error);
     if (!options || (check && !check(*options, error))) {
-        std::fprintf(stderr, "tallowen: %s: %s\n", command, error.c_str());
+        std::fprintf(stderr, "tallowen: %s: %s (see tallowen help %s)\n", command, error.c_str(), command);
         exitStatus = 2;
         return std::nullopt;
     }

@@ -27,7 +27,8 @@ using OptionsCheck = std::function<bool(const ParsedOptions& options, std::strin
 
 // Reads a command's options and builds its environment. On failure it prints
 // "tallowen: <command>: <reason>" and sets `exitStatus`: 2 for options the
-// command does not take, 1 for a home or data folder it cannot use.
+// command does not take, 1 for a home or data folder it cannot use. With
+// --help anywhere it prints the command's help instead and sets 0.
 std::optional<CommandStart> startCommand(const char* command, const std::vector<std::string>& arguments,
                                          const std::set<std::string>& valueOptions,
                                          const std::set<std::string>& flagOptions, int& exitStatus,

@@ -12,6 +12,8 @@ int runDaysCommand(const std::vector<std::string>& arguments);
 int runWatchCommand(const std::vector<std::string>& arguments);
 int runPanelCommand(const std::vector<std::string>& arguments);
 int runSummaryCommand(const std::vector<std::string>& arguments);
+int runHistoryCommand(const std::vector<std::string>& arguments);
+int runStatusLineCommand(const std::vector<std::string>& arguments);
 // `tallowen` alone: one import, then the panel.
 int runDefaultCommand(const std::vector<std::string>& arguments);
 

@@ -5,12 +5,13 @@
 #include "PlainText.hpp"
 #include "SampleJson.hpp"
 
+#include "model/DayKey.hpp"
 #include "model/Iso8601Format.hpp"
+#include "base/CsvText.hpp"
 #include "base/JsonWriter.hpp"
 #include "summary/OneSamplePerSlot.hpp"
 
 #include <algorithm>
-#include <cctype>
 #include <cinttypes>
 #include <cstdio>
 #include <string>
@@ -18,13 +19,6 @@
 
 namespace tallowen::cli {
 namespace {
-
-bool isDayKeyText(const std::string& text) {
-    if (text.size() != 10 || text[4] != '-' || text[7] != '-') return false;
-    for (size_t i = 0; i < text.size(); ++i)
-        if (i != 4 && i != 7 && !std::isdigit(static_cast<unsigned char>(text[i]))) return false;
-    return true;
-}
 
 struct DayFilter {
     std::optional<std::string> since;
@@ -46,6 +40,17 @@ std::string jsonReport(const std::vector<UsageSample>& samples) {
     json.endArray();
     json.endObject();
     return json.take() + "\n";
+}
+
+std::string csvReport(const std::vector<UsageSample>& samples) {
+    std::string text = csvRecord({"dayKey", "tool", "sessions", "requests", "inputTokens", "outputTokens",
+                                  "estimatedCostCents", "estimatedWaterMilliliters", "updatedAt"});
+    for (const UsageSample& s : samples)
+        text += csvRecord({s.dayKey, s.tool, std::to_string(s.sessions), std::to_string(s.requests),
+                           std::to_string(s.inputTokens), std::to_string(s.outputTokens),
+                           std::to_string(s.estimatedCostCents), std::to_string(s.estimatedWaterMilliliters),
+                           iso8601UtcText(s.updatedAt).value_or("")});
+    return text;
 }
 
 std::string tableReport(const std::vector<UsageSample>& samples) {
@@ -71,16 +76,20 @@ int runDaysCommand(const std::vector<std::string>& arguments) {
     const auto daysAreWellWritten = [](const ParsedOptions& options, std::string& error) {
         for (const char* name : {"--since", "--until"}) {
             const auto day = options.value(name);
-            if (day && !isDayKeyText(*day)) {
+            if (day && !isCalendarDayKey(*day, LocalCalendar{})) {
                 error = std::string(name) + " needs a day written YYYY-MM-DD, not " + *day;
                 return false;
             }
+        }
+        if (options.has("--json") && options.has("--csv")) {
+            error = "--json and --csv both set: give one";
+            return false;
         }
         return true;
     };
     int exitStatus = 0;
     const auto start = startCommand("days", arguments, {"--since", "--until", "--tool", "--home", "--data"},
-                                    {"--json"}, exitStatus, daysAreWellWritten);
+                                    {"--json", "--csv"}, exitStatus, daysAreWellWritten);
     if (!start) return exitStatus;
     const ParsedOptions& options = start->options;
     const DayFilter filter{options.value("--since"), options.value("--until"), options.value("--tool")};
@@ -97,7 +106,9 @@ int runDaysCommand(const std::vector<std::string>& arguments) {
                                  [&](const UsageSample& sample) { return !filter.admits(sample); }),
                   samples.end());
 
-    const std::string text = options.has("--json") ? jsonReport(samples) : tableReport(samples);
+    const std::string text = options.has("--json") ? jsonReport(samples)
+                             : options.has("--csv") ? csvReport(samples)
+                                                    : tableReport(samples);
     std::fwrite(text.data(), 1, text.size(), stdout);
     return 0;
 }

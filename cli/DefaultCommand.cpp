@@ -1,5 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "ImportProgress.hpp"
 #include "Options.hpp"
 #include "PanelData.hpp"
 #include "TerminalImporter.hpp"
@@ -11,7 +12,7 @@ namespace tallowen::cli {
 
 int runDefaultCommand(const std::vector<std::string>& arguments) {
     std::string error;
-    const auto options = parseOptions(arguments, {"--home", "--data"}, {}, error);
+    const auto options = parseOptions(arguments, {"--home", "--data"}, {"--quiet"}, error);
     if (!options) {
         std::fprintf(stderr, "tallowen: %s (see tallowen --help)\n", error.c_str());
         return 2;
@@ -24,7 +25,7 @@ int runDefaultCommand(const std::vector<std::string>& arguments) {
 
     TerminalImporter terminal(*environment);
     UsageImporter& importer = terminal.importer();
-    const ImportRunReport report = importer.runImport();
+    const ImportRunReport report = importShowingProgress(importer, progressLineWanted(options->has("--quiet")));
     if (report.outcome == ImportRunReport::Outcome::droppedOtherProcess)
         std::fputs("tallowen: another tallowen is importing into this data folder; the panel shows the store as it is\n",
                    stderr);
