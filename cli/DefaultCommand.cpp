@@ -4,9 +4,11 @@
 #include "Options.hpp"
 #include "PanelData.hpp"
 #include "TerminalImporter.hpp"
+#include "TerminalSize.hpp"
 #include "TerminalStyle.hpp"
 
 #include <cstdio>
+#include <unistd.h>
 
 namespace tallowen::cli {
 
@@ -40,7 +42,8 @@ int runDefaultCommand(const std::vector<std::string>& arguments) {
     ImporterState state = importerState(importer);
     if (report.dropped()) state.detectedTools = storedImporterState(*environment, *samples).detectedTools;
     const MenuModel model = terminalMenuModel(*samples, state, now, *environment, locale);
-    const std::string text = panelText(model, now, locale, TerminalStyle::forStandardOutput().colors());
+    const std::string text = panelText(model, now, locale, TerminalStyle::forStandardOutput().colors(),
+                                       terminalSize(STDOUT_FILENO));
     std::fwrite(text.data(), 1, text.size(), stdout);
     return 0;
 }

@@ -105,7 +105,7 @@ int runHistoryCommand(const std::vector<std::string>& arguments) {
     if (options.has("--json")) {
         text = usageHistoryJson(history) + "\n";
     } else {
-        const int columns = terminalSize(STDOUT_FILENO).value_or(TerminalSize{}).columns;
+        const int columns = terminalSize(STDOUT_FILENO).value_or(TerminalExtent{}).columns;
         const HistoryChart chart = historyChart(history, columns, LocaleFormatter::forProcess());
         text = chartText(history, chart, TerminalStyle::forStandardOutput().colors());
     }

@@ -2,9 +2,11 @@
 #include "Commands.hpp"
 #include "Options.hpp"
 #include "PanelData.hpp"
+#include "TerminalSize.hpp"
 #include "TerminalStyle.hpp"
 
 #include <cstdio>
+#include <unistd.h>
 
 namespace tallowen::cli {
 
@@ -23,7 +25,8 @@ int runPanelCommand(const std::vector<std::string>& arguments) {
     const Date now = environment.clock();
     const MenuModel model =
         terminalMenuModel(*samples, storedImporterState(environment, *samples), now, environment, locale);
-    const std::string text = panelText(model, now, locale, TerminalStyle::forStandardOutput().colors());
+    const std::string text = panelText(model, now, locale, TerminalStyle::forStandardOutput().colors(),
+                                       terminalSize(STDOUT_FILENO));
     std::fwrite(text.data(), 1, text.size(), stdout);
     return 0;
 }

@@ -43,14 +43,15 @@ MenuModel terminalMenuModel(const std::vector<UsageSample>& samples, const Impor
     return computeMenuModel(MenuInputs{samples, importer, CloudSyncState{}, now, environment.calendar, locale});
 }
 
-std::string panelText(const MenuModel& model, Date now, const LocaleFormatter& locale, bool colors) {
+std::string panelText(const MenuModel& model, Date now, const LocaleFormatter& locale, bool colors,
+                      const std::optional<TerminalExtent>& terminal) {
     const CountingText counter = menuTokenCounter(model, locale);
     CountingAnchor anchor;
     anchor.appear(counter.value, now);
     PanelFrame frame;
     frame.title = typewriterShownText(typewriterWordmark, true);
     frame.tokenCounter = counter.textAt(anchor, now, locale);
-    return joinedLines(renderPanel(model, frame, TerminalStyle(colors)));
+    return joinedLines(fittedPanel(model, frame, TerminalStyle(colors), terminal, false));
 }
 
 }  // namespace tallowen::cli

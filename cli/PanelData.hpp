@@ -4,6 +4,7 @@
 #include "import/UsageImporter.hpp"
 #include "ui/LocaleFormatter.hpp"
 #include "ui/MenuModel.hpp"
+#include "ui/PanelLayout.hpp"
 
 #include <optional>
 #include <string>
@@ -29,7 +30,9 @@ ImporterState storedImporterState(const EngineEnvironment& environment, const st
 MenuModel terminalMenuModel(const std::vector<UsageSample>& samples, const ImporterState& importer, Date now,
                             const EngineEnvironment& environment, const LocaleFormatter& locale);
 
-// The panel drawn once, as text: the title at rest, the counter where it stands at `now`.
-std::string panelText(const MenuModel& model, Date now, const LocaleFormatter& locale, bool colors);
+// The panel drawn once, as text: the title at rest, the counter where it
+// stands at `now`, laid out for `terminal` (the full panel without one).
+std::string panelText(const MenuModel& model, Date now, const LocaleFormatter& locale, bool colors,
+                      const std::optional<TerminalExtent>& terminal = std::nullopt);
 
 }  // namespace tallowen::cli

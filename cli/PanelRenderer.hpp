@@ -4,6 +4,7 @@
 #include "ui/CountingText.hpp"
 #include "ui/LocaleFormatter.hpp"
 #include "ui/MenuModel.hpp"
+#include "ui/PanelLayout.hpp"
 
 #include <string>
 #include <vector>
@@ -21,19 +22,29 @@ struct PanelFrame {
     // The counter's current text; the model's token text when empty.
     std::string tokenCounter;
     bool showsKeyHints = false;
+    // The layout the terminal has room for, and the columns it spreads over.
+    PanelLayout layout = PanelLayout::full;
+    int columns = panelWidth;
 };
 
 // The menu's token counter for a model: today's tokens, the token format,
 // the model's pace.
 CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale);
 
-// The panel as lines of at most `panelWidth` columns, top to bottom: title,
+// The panel as lines of at most `frame.columns` columns in the frame's
+// layout; the full one, `panelWidth` wide, top to bottom: title,
 // today (big request count, tokens, cost, water with the bottle and the
 // comparison), tools of the day, week, quotas, detected tools, the last
 // import and, in `watch`, the keys. While the duplicate purge runs, the
 // cleaning view instead. The Mac application's cloud lines, its sync and
 // relaunch commands, launch at login and the update check are left out.
 std::vector<std::string> renderPanel(const MenuModel& model, const PanelFrame& frame, const TerminalStyle& style);
+
+// The panel laid out for the terminal `terminal` (none: output to a pipe or
+// a file, which gets the full panel), drawing each layout the engine asks
+// about; with `cutToRows` no taller than the terminal.
+std::vector<std::string> fittedPanel(const MenuModel& model, PanelFrame frame, const TerminalStyle& style,
+                                     const std::optional<TerminalExtent>& terminal, bool cutToRows);
 
 // The cleaning view alone: title, "NETTOYAGE DES MESURES", the percentage,
 // the bar and the note.

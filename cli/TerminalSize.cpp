@@ -5,10 +5,10 @@
 
 namespace tallowen::cli {
 
-std::optional<TerminalSize> terminalSize(int fd) {
+std::optional<TerminalExtent> terminalSize(int fd) {
     winsize size{};
     if (::isatty(fd) != 1 || ::ioctl(fd, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return std::nullopt;
-    return TerminalSize{size.ws_col, size.ws_row};
+    return TerminalExtent{size.ws_col, size.ws_row};
 }
 
 }  // namespace tallowen::cli

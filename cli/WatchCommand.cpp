@@ -31,6 +31,8 @@ volatile std::sig_atomic_t leavesAlternateScreen = 0;
 // the process resumes after Ctrl-Z.
 termios settingsInWatch{};
 volatile std::sig_atomic_t resumedAfterStop = 0;
+// The window was resized: the panel is laid out and drawn anew.
+volatile std::sig_atomic_t windowResized = 0;
 
 // Puts the terminal back as the user had it.
 void handTerminalBack() {
@@ -89,6 +91,8 @@ extern "C" void requestStop(int signal) {
 
 extern "C" void endAtOnce(int signal) { handTerminalBackAndEnd(signal); }
 
+extern "C" void noteResize(int) { windowResized = 1; }
+
 // Ctrl-C and SIGTERM ask the loop to stop, a second one ends the process. A
 // closed output (the reader of `watch | head` gone) and the quit key end it
 // at once. Either way the terminal is handed back first; so it is when Ctrl-Z
@@ -99,6 +103,7 @@ void installStopHandlers() {
     setHandler(SIGPIPE, endAtOnce);
     setHandler(SIGQUIT, endAtOnce);
     setHandler(SIGTSTP, suspend);
+    setHandler(SIGWINCH, noteResize);
 }
 
 // From now on a forced stop puts `keys`' settings back and leaves the
@@ -156,8 +161,9 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
         if (firstRequest) view.reload(importer, environment.clock());
         firstRequest = false;
         if (importer.finishImportIfReady()) view.reload(importer, environment.clock());
-        if (resumedAfterStop) {
+        if (resumedAfterStop || windowResized) {
             resumedAfterStop = 0;
+            windowResized = 0;
             view.redrawWhole();
         }
         view.animate(environment.clock());

@@ -1,6 +1,7 @@
 #include "WatchPanel.hpp"
 
 #include "PanelData.hpp"
+#include "TerminalSize.hpp"
 #include "TerminalStyle.hpp"
 #include "ui/CleaningProgress.hpp"
 
@@ -95,7 +96,8 @@ void WatchPanelView::finish() {
     }
     if (!lastDrawn_.empty()) {
         const Date now = environment_.clock();
-        const std::string text = joinedLines(renderPanel(model_, frameAt(now), TerminalStyle::forStandardOutput()));
+        const std::string text = joinedLines(
+            fittedPanel(model_, frameAt(now), TerminalStyle::forStandardOutput(), terminalSize(fileno(stream_)), false));
         std::fputs(text.c_str(), stream_);
     }
     std::fflush(stream_);
@@ -119,7 +121,9 @@ PanelFrame WatchPanelView::frameAt(Date now) const {
 }
 
 void WatchPanelView::draw(Date now) {
-    const auto lines = renderPanel(model_, frameAt(now), TerminalStyle::forStandardOutput());
+    // Measured at every drawing: a resized window gets the layout that fits it.
+    const auto lines =
+        fittedPanel(model_, frameAt(now), TerminalStyle::forStandardOutput(), terminalSize(fileno(stream_)), true);
     std::string text;
     for (const std::string& line : lines) text += line + "\x1b[K\n";
     if (text == lastDrawn_) return;

@@ -111,6 +111,46 @@ TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped
         << json.standardOutput;
 }
 
+// What the last drawing of a panel redrawn in place shows: from its last "home" to the end.
+std::string lastScreen(const std::string& output) {
+    const size_t home = output.rfind("\x1b[H");
+    return home == std::string::npos ? output : output.substr(home);
+}
+
+TEST_F(TerminalCommandsTest, WatchFitsTheTerminalAndFollowsItsSize) {
+    storeUsage();
+    PseudoTerminal terminal(arguments({"watch"}), 80, 24);
+    ASSERT_TRUE(terminal.waitFor("[q]")) << terminal.output();
+    std::string screen = lastScreen(terminal.output());
+    EXPECT_LE(linesOf(screen).size(), 24u) << screen;
+    for (const char* shown : {"AUJOURD'HUI", "RECOURS", "150 k", "TOKENS", "CODEX", "7J", "88 %", "[i]", "[q]"})
+        EXPECT_NE(screen.find(shown), std::string::npos) << shown << "\n" << screen;
+    EXPECT_EQ(screen.find("───"), std::string::npos) << screen;
+
+    size_t before = terminal.output().size();
+    terminal.resize(100, 60);  // room for the full panel, separators and big figures
+    ASSERT_TRUE(terminal.waitFor("───", before)) << terminal.output().substr(before);
+    before = terminal.output().size();
+    terminal.resize(30, 10);
+    ASSERT_TRUE(terminal.waitFor("Terminal too narrow: 30 columns, the panel needs 40.", before));
+    terminal.type("q");
+    EXPECT_EQ(terminal.waitForExit(), 0);
+}
+
+TEST_F(TerminalCommandsTest, PanelIsCompactOnASmallTerminalAndWholeWhenPiped) {
+    storeUsage();
+    PseudoTerminal terminal(arguments({"panel"}), 44, 24);
+    ASSERT_EQ(terminal.waitForExit(), 0);
+    const std::string compact = terminal.output();
+    EXPECT_LE(widestLine(compact), 44) << compact;
+    EXPECT_LE(linesOf(compact).size(), 24u) << compact;
+    const auto week = compact.find("CETTE SEMAINE");  // rows merged: the week's title and figures on one line
+    EXPECT_LT(compact.find("7 recours · 2,6 M", week), compact.find('\n', week)) << compact;
+    const std::string whole = piped("panel").standardOutput;
+    EXPECT_NE(whole.find("────\nQUOTAS\nCODEX\n"), std::string::npos) << whole;
+    EXPECT_GT(linesOf(whole).size(), 24u);
+}
+
 TEST_F(TerminalCommandsTest, StatusLineReadsTheStoreOnlyAndNeverCreatesIt) {
     EXPECT_EQ(piped("statusline").standardOutput, "0 recours · 0 tokens · 0,0 L\n");
     EXPECT_FALSE(std::filesystem::exists(data() / SqliteSampleStore::fileName));
