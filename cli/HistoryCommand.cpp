@@ -1,9 +1,10 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
-#include "StoreQuery.hpp"
+#include "TerminalImporter.hpp"
 #include "TerminalSize.hpp"
 #include "TerminalStyle.hpp"
 
+#include "store/StoreQuery.hpp"
 #include "ui/HistoryChart.hpp"
 
 #include <array>
@@ -19,52 +20,34 @@ constexpr std::array<int, allUsageTools.size()> toolColors = {173, 71, 75, 36, 1
 constexpr std::array<std::string_view, 4> toolShades = {"█", "▓", "▒", "░"};
 constexpr std::array<std::string_view, 9> leftEighthBlocks = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉", "█"};
 
-class ChartPainter {
-public:
-    ChartPainter(const UsageHistory& history, bool colors) : history_(history), colors_(colors) {}
-
-    std::string swatch(int tool) const {
-        return colors_ ? painted("■", tool, -1) : std::string(toolShades[shadeOf(tool)]);
-    }
-    std::string bar(const std::vector<HistoryBarCell>& cells) const {
-        std::string text;
-        for (const HistoryBarCell& cell : cells) {
-            if (colors_) text += painted(leftEighthBlocks[cell.leftEighths], cell.leftTool, cell.rightTool);
-            else if (cell.leftEighths == 8) text += toolShades[shadeOf(cell.leftTool)];
-            else text += leftEighthBlocks[cell.leftEighths];
-        }
-        return text;
-    }
-
-private:
-    size_t shadeOf(int tool) const { return static_cast<size_t>(tool) % toolShades.size(); }
-    int colorOf(int tool) const { return toolColors[static_cast<size_t>(history_.tools[static_cast<size_t>(tool)])]; }
-    std::string painted(std::string_view glyph, int tool, int background) const {
-        std::string text = "\x1b[38;5;" + std::to_string(colorOf(tool));
-        if (background >= 0) text += ";48;5;" + std::to_string(colorOf(background));
-        return text + "m" + std::string(glyph) + "\x1b[0m";
-    }
-
-    const UsageHistory& history_;
-    bool colors_;
-};
-
 std::string chartText(const UsageHistory& history, const HistoryChart& chart, bool colors) {
-    const ChartPainter painter(history, colors);
+    const auto colorOf = [&](int tool) {
+        return std::to_string(toolColors[static_cast<size_t>(history.tools[static_cast<size_t>(tool)])]);
+    };
+    // A glyph in the left tool's colour over the right one's, or in the left tool's shade.
+    const auto painted = [&](std::string_view glyph, int tool, int background) {
+        const auto shade = toolShades[static_cast<size_t>(tool) % toolShades.size()];
+        if (!colors) return std::string(glyph == "█" ? shade : glyph);
+        const std::string under = background < 0 ? "" : ";48;5;" + colorOf(background);
+        return "\x1b[38;5;" + colorOf(tool) + under + "m" + std::string(glyph) + "\x1b[0m";
+    };
     std::string text = chart.heading + "\n";
     for (const auto& line : chart.legendLines) {
-        for (size_t index = 0; index < line.size(); ++index)
-            text += (index == 0 ? "" : "  ") + painter.swatch(line[index].toolIndex) + " " + line[index].label + " " +
-                    line[index].totalText;
+        for (const HistoryLegendEntry& entry : line)
+            text += (&entry == &line.front() ? "" : "  ") + painted(colors ? "■" : "█", entry.toolIndex, -1) + " " +
+                    entry.label + " " + entry.totalText;
         text += "\n";
     }
     text += "\n";
     for (const HistoryChartRow& row : chart.rows) {
         text += row.dayKey;
         if (!row.figureText.empty()) {
-            const int width = narrowTextColumns(row.figureText);
-            text += "  " + painter.bar(row.cells) + std::string(static_cast<size_t>(chart.barColumns) - row.cells.size(), ' ') +
-                    " " + std::string(static_cast<size_t>(chart.figureColumns - width), ' ') + row.figureText;
+            text += "  ";
+            for (const HistoryBarCell& cell : row.cells)
+                text += painted(leftEighthBlocks[static_cast<size_t>(cell.leftEighths)], cell.leftTool, cell.rightTool);
+            text += std::string(static_cast<size_t>(chart.barColumns) - row.cells.size() + 1, ' ') +
+                    std::string(static_cast<size_t>(chart.figureColumns - narrowTextColumns(row.figureText)), ' ') +
+                    row.figureText;
         }
         text += "\n";
     }
@@ -86,15 +69,16 @@ int runHistoryCommand(const std::vector<std::string>& arguments) {
         return range.has_value();
     };
     int exitStatus = 0;
-    const auto start = startCommand("history", arguments, {"--days", "--since", "--until", "--metric", "--home", "--data"},
-                                    {"--json"}, exitStatus, rangeIsSound);
+    const auto start = startCommand("history", arguments,
+                                    {"--days", "--since", "--until", "--metric", "--home", "--data"}, {"--json"},
+                                    exitStatus, rangeIsSound);
     if (!start) return exitStatus;
     const ParsedOptions& options = start->options;
     const EngineEnvironment& environment = start->environment;
     std::string error;
-    const auto samples = queryStore(
-        environment, [&](SqliteSampleStore& store) { return store.fetchDays(range->firstDayKey, range->lastDayKey); },
-        error);
+    const auto samples = queryStoreFile(
+        storeLocation(environment),
+        [&](SqliteSampleStore& store) { return store.fetchDays(range->firstDayKey, range->lastDayKey); }, error);
     if (!samples) {
         std::fprintf(stderr, "tallowen: history: %s\n", error.c_str());
         return 1;

@@ -9,7 +9,6 @@
 #include "ui/PanelLayout.hpp"
 
 #include <algorithm>
-#include <map>
 
 namespace tallowen::cli {
 namespace {
@@ -214,7 +213,8 @@ void compactToday(Lines& out, const MenuModel& model, const PanelFrame& frame) {
 void compactWater(Lines& out, const MenuModel& model, bool withBottle) {
     const TerminalStyle& style = out.style();
     const std::string texts[] = {
-        style.paint(StyleRole::secondary, menu_text::waterTitle) + " " + style.paint(StyleRole::primary, model.todayWaterText),
+        style.paint(StyleRole::secondary, menu_text::waterTitle) + " " +
+            style.paint(StyleRole::primary, model.todayWaterText),
         style.paint(StyleRole::secondary, model.waterEquivalentText),
         style.paint(StyleRole::secondary, model.comparisonLine),
     };
@@ -270,19 +270,14 @@ std::vector<std::string> renderPanel(const MenuModel& model, const PanelFrame& f
 
 std::vector<std::string> fittedPanel(const MenuModel& model, PanelFrame frame, const TerminalStyle& style,
                                      const std::optional<TerminalExtent>& terminal, bool cutToRows) {
-    std::map<PanelLayout, std::vector<std::string>> drawn;
-    const auto drawnIn = [&](PanelLayout layout) -> const std::vector<std::string>& {
-        if (!drawn.count(layout)) {
-            frame.layout = layout;
-            frame.columns = panelColumns(layout, terminal);
-            drawn[layout] = renderPanel(model, frame, style);
-        }
-        return drawn[layout];
+    const auto drawnIn = [&](PanelLayout layout) {
+        frame.layout = layout;
+        frame.columns = panelColumns(layout, terminal);
+        return renderPanel(model, frame, style);
     };
-    const PanelLayout layout =
-        choosePanelLayout(terminal, [&](PanelLayout candidate) { return static_cast<int>(drawnIn(candidate).size()); });
-    if (!terminal || !cutToRows) return drawnIn(layout);
-    return linesWithinRows(drawnIn(layout), terminal->rows, frame.showsKeyHints);
+    const auto lines = drawnIn(choosePanelLayout(
+        terminal, [&](PanelLayout candidate) { return static_cast<int>(drawnIn(candidate).size()); }));
+    return terminal && cutToRows ? linesWithinRows(lines, terminal->rows, frame.showsKeyHints) : lines;
 }
 
 std::vector<std::string> renderCleaningView(const MenuCleaningView& cleaning, const PanelFrame& frame,

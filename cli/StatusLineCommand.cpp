@@ -1,8 +1,9 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
-#include "StoreQuery.hpp"
+#include "TerminalImporter.hpp"
 
 #include "model/DayKey.hpp"
+#include "store/StoreQuery.hpp"
 #include "ui/StatusLine.hpp"
 
 #include <cstdio>
@@ -17,8 +18,8 @@ int runStatusLineCommand(const std::vector<std::string>& arguments) {
     const Date now = environment.clock();
     std::string error;
     // Today's samples and the fresh quotas only: a prompt runs this at every line.
-    const auto samples = queryStore(
-        environment,
+    const auto samples = queryStoreFile(
+        storeLocation(environment),
         [&](SqliteSampleStore& store) {
             return store.fetchFromDayOrQuotaSince(dayKey(now, environment.calendar), statusLineOldestQuotaUpdate(now));
         },
