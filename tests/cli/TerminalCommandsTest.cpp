@@ -123,7 +123,7 @@ TEST_F(TerminalCommandsTest, WatchFitsTheTerminalAndFollowsItsSize) {
     ASSERT_TRUE(terminal.waitFor("[q]")) << terminal.output();
     std::string screen = lastScreen(terminal.output());
     EXPECT_LE(linesOf(screen).size(), 24u) << screen;
-    for (const char* shown : {"AUJOURD'HUI", "RECOURS", "150 k", "TOKENS", "CODEX", "7J", "88 %", "[i]", "[q]"})
+    for (const char* shown : {"■", "AUJOURD'HUI", "RECOURS", "150 k", "TOKENS", "CODEX", "7J", "88 %", "[i]", "[q]"})
         EXPECT_NE(screen.find(shown), std::string::npos) << shown << "\n" << screen;
     EXPECT_EQ(screen.find("───"), std::string::npos) << screen;
 
@@ -246,12 +246,18 @@ TEST(InstallTest, PutsTheCommandItsManualAndThreeCompletionsUnderThePrefix) {
     EXPECT_EQ(testing::runCommand(shellQuoted((prefix.path() / "bin/tallowen").string()) + " --version", prefix.path())
                   .standardOutput,
               "tallowen 0.1.0\n");
-    // The manual reads without a warning where a formatter is at hand.
-    const auto manual = testing::runCommand("command -v groff >/dev/null || exit 0; groff -man -Tutf8 -ww -z " +
-                                                shellQuoted((prefix.path() / "share/man/man1/tallowen.1").string()),
-                                            prefix.path());
-    EXPECT_EQ(manual.exitStatus, 0);
-    EXPECT_EQ(manual.standardError, "");
+    // The manual reads without a warning and the completions parse, where the tools are at hand.
+    for (const auto& [tool, file] : {std::pair{"groff -man -Tutf8 -ww -z", "share/man/man1/tallowen.1"},
+                                     {"bash -n", "share/bash-completion/completions/tallowen"},
+                                     {"zsh -n", "share/zsh/site-functions/_tallowen"},
+                                     {"fish -n", "share/fish/vendor_completions.d/tallowen.fish"}}) {
+        const std::string program = std::string(tool).substr(0, std::string(tool).find(' '));
+        const auto check = testing::runCommand("command -v " + program + " >/dev/null || exit 0; " + tool + " " +
+                                                   shellQuoted((prefix.path() / file).string()),
+                                               prefix.path());
+        EXPECT_EQ(check.exitStatus, 0) << file;
+        EXPECT_EQ(check.standardError, "") << file;
+    }
 }
 
 }  // namespace
