@@ -1,12 +1,11 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
-#include "PanelData.hpp"
 #include "PlainText.hpp"
-#include "SampleJson.hpp"
 
 #include "model/Iso8601Format.hpp"
-#include "base/JsonWriter.hpp"
+#include "model/DaySamplesJson.hpp"
+#include "store/SqliteSampleStore.hpp"
 #include "summary/OneSamplePerSlot.hpp"
 
 #include <algorithm>
@@ -37,16 +36,6 @@ struct DayFilter {
         return !tool || sample.tool == *tool;
     }
 };
-
-std::string jsonReport(const std::vector<UsageSample>& samples) {
-    JsonWriter json;
-    json.beginObject();
-    json.key("samples").beginArray();
-    for (const UsageSample& sample : samples) writeSampleJson(json, sample, true);
-    json.endArray();
-    json.endObject();
-    return json.take() + "\n";
-}
 
 std::string tableReport(const std::vector<UsageSample>& samples) {
     char line[512];
@@ -85,11 +74,9 @@ int runDaysCommand(const std::vector<std::string>& arguments) {
     const ParsedOptions& options = start->options;
     const DayFilter filter{options.value("--since"), options.value("--until"), options.value("--tool")};
 
-    std::string error;
-    // Nothing imported yet: no days, and no empty store created by looking.
-    const auto stored = readStoredSamples(start->environment, error);
+    const auto stored = readStoredSamples(SqliteSampleStore::locationIn(start->environment.supportFolder));
     if (!stored) {
-        std::fprintf(stderr, "tallowen: days: %s\n", error.c_str());
+        std::fprintf(stderr, "tallowen: days: %s\n", stored.error().c_str());
         return 1;
     }
     std::vector<UsageSample> samples = oneSamplePerSlot(*stored);
@@ -97,7 +84,7 @@ int runDaysCommand(const std::vector<std::string>& arguments) {
                                  [&](const UsageSample& sample) { return !filter.admits(sample); }),
                   samples.end());
 
-    const std::string text = options.has("--json") ? jsonReport(samples) : tableReport(samples);
+    const std::string text = options.has("--json") ? daySamplesJson(samples) + "\n" : tableReport(samples);
     std::fwrite(text.data(), 1, text.size(), stdout);
     return 0;
 }

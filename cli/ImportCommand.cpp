@@ -3,7 +3,7 @@
 #include "Options.hpp"
 #include "TerminalImporter.hpp"
 
-#include "base/JsonWriter.hpp"
+#include "import/ImportReportJson.hpp"
 
 #include <chrono>
 #include <cinttypes>
@@ -39,37 +39,8 @@ private:
     bool shown_ = false;
 };
 
-// Why a request was dropped.
-std::string dropReason(ImportRunReport::Outcome outcome) {
-    if (outcome == ImportRunReport::Outcome::droppedOtherProcess)
-        return "another tallowen is importing into this data folder";
-    return "an import is already under way";
-}
-
-std::string jsonReport(const ImportRunReport& report) {
-    JsonWriter json;
-    json.beginObject();
-    json.key("outcome").string(report.dropped() ? "dropped" : "completed");
-    if (report.dropped()) json.key("reason").string(dropReason(report.outcome));
-    json.key("detectedTools").beginArray();
-    for (const UsageTool tool : report.detectedTools) json.string(rawValue(tool));
-    json.endArray();
-    json.key("samplesInserted").integer(report.samplesInserted);
-    json.key("samplesUpdated").integer(report.samplesUpdated);
-    json.key("samplesUnchanged").integer(report.samplesUnchanged);
-    json.key("duplicatesRemoved").integer(report.duplicatesRemoved);
-    json.key("filesRead").integer(report.filesRead);
-    json.key("filesReused").integer(report.filesReused);
-    json.key("elapsedSeconds").number(report.elapsedSeconds);
-    json.key("lastError");
-    if (report.lastError) json.string(*report.lastError);
-    else json.null();
-    json.endObject();
-    return json.take() + "\n";
-}
-
 std::string textReport(const ImportRunReport& report) {
-    if (report.dropped()) return "import dropped: " + dropReason(report.outcome) + "\n";
+    if (report.dropped()) return "import dropped: " + std::string(dropReason(report.outcome)) + "\n";
     std::string text = "detected tools:";
     for (size_t i = 0; i < report.detectedTools.size(); ++i) {
         text += i == 0 ? " " : ", ";
@@ -134,7 +105,7 @@ int runImportCommand(const std::vector<std::string>& arguments) {
         ProgressLine progress(::isatty(STDERR_FILENO) == 1);
         report = importWithProgress(terminal.importer(), progress);
     }
-    const std::string text = asJson ? jsonReport(report) : textReport(report);
+    const std::string text = asJson ? importReportJson(report) + "\n" : textReport(report);
     std::fwrite(text.data(), 1, text.size(), stdout);
     return report.lastError ? 1 : 0;
 }

@@ -2,14 +2,12 @@
 #include "Commands.hpp"
 #include "Options.hpp"
 #include "PlainText.hpp"
-#include "SampleJson.hpp"
 
 #include "import/DaySample.hpp"
 #include "import/ImportStateFile.hpp"
-#include "base/JsonWriter.hpp"
+#include "model/DaySamplesJson.hpp"
 #include "readers/UsageReaders.hpp"
 
-#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 #include <string>
@@ -17,30 +15,6 @@
 
 namespace tallowen::cli {
 namespace {
-
-// The run's samples, one per day and tool, by day key then tool raw value.
-std::vector<UsageSample> samplesOf(const ToolResults& results) {
-    std::vector<UsageSample> samples;
-    for (const auto& [tool, days] : results)
-        for (const auto& [key, day] : days) samples.push_back(tallowen::sampleOfDay(key, tool, day));
-    std::sort(samples.begin(), samples.end(), [](const UsageSample& a, const UsageSample& b) {
-        return a.dayKey != b.dayKey ? a.dayKey < b.dayKey : a.tool < b.tool;
-    });
-    return samples;
-}
-
-std::string jsonReport(const LogReadOutcome& outcome) {
-    JsonWriter json;
-    json.beginObject();
-    json.key("detected").beginArray();
-    for (const UsageTool tool : outcome.detected) json.string(rawValue(tool));
-    json.endArray();
-    json.key("samples").beginArray();
-    for (const UsageSample& sample : samplesOf(outcome.results)) writeSampleJson(json, sample, false);
-    json.endArray();
-    json.endObject();
-    return json.take();
-}
 
 std::string percentText(const std::optional<double>& percent) {
     if (!percent) return "-";
@@ -68,7 +42,7 @@ std::string tableReport(const LogReadOutcome& outcome) {
     std::snprintf(line, sizeof line, "%-10s  %-11s  %8s  %8s  %12s  %12s  %10s  %9s  %s\n", "day", "tool", "sessions",
                   "requests", "input", "output", "cost $", "water ml", "quota");
     text += line;
-    for (const UsageSample& sample : samplesOf(outcome.results)) {
+    for (const UsageSample& sample : samplesOfResults(outcome.results)) {
         std::snprintf(line, sizeof line,
                       "%-10s  %-11s  %8" PRId64 "  %8" PRId64 "  %12" PRId64 "  %12" PRId64 "  %10s  %9" PRId64 "  ",
                       sample.dayKey.c_str(), sample.tool.c_str(), sample.sessions, sample.requests,
@@ -106,7 +80,9 @@ int runScanCommand(const std::vector<std::string>& arguments) {
     // A failed save only means the next scan reads the files again.
     stateFile.save(state);
 
-    const std::string report = options.has("--json") ? jsonReport(outcome) + "\n" : tableReport(outcome);
+    const std::string report = options.has("--json")
+                                   ? scannedDaysJson(outcome.detected, samplesOfResults(outcome.results)) + "\n"
+                                   : tableReport(outcome);
     std::fwrite(report.data(), 1, report.size(), stdout);
     return 0;
 }

@@ -5,16 +5,12 @@
 
 namespace tallowen::cli {
 
-std::filesystem::path storeLocation(const EngineEnvironment& environment) {
-    return environment.supportFolder / SqliteSampleStore::fileName;
-}
-
 TerminalImporter::TerminalImporter(const EngineEnvironment& environment)
     : settings_(JsonSettingsStore::inSupportFolder(environment.supportFolder)),
       activity_(AppActivityRecorder::locationBeside(ImportStateFile(environment.supportFolder).location())),
       importer_(
           environment,
-          [store = storeLocation(environment)]() -> std::unique_ptr<SampleStore> {
+          [store = SqliteSampleStore::locationIn(environment.supportFolder)]() -> std::unique_ptr<SampleStore> {
               return std::make_unique<SqliteSampleStore>(store);
           },
           settings_, activity_) {}

@@ -10,9 +10,6 @@
 
 namespace tallowen::cli {
 
-// "store.sqlite" in the support folder.
-std::filesystem::path storeLocation(const EngineEnvironment& environment);
-
 // The terminal's import engine on one support folder: its settings file, its
 // activation stamps and its SQLite store, opened afresh for every run.
 class TerminalImporter {

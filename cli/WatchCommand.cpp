@@ -5,6 +5,7 @@
 #include "WatchPanel.hpp"
 
 #include "app/ImportScheduler.hpp"
+#include "store/SqliteSampleStore.hpp"
 
 #include <atomic>
 #include <csignal>
@@ -137,12 +138,13 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     WatchKeys keys;
     const bool outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     restoreTerminalOnForcedStop(keys, outputIsTerminal);
-    WatchPanelView view(environment, LocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
-                        environment.clock());
-    // The purge runs inside the end of a run: its progress is drawn as it is published.
+    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    PanelSession session(locale, environment.calendar, PanelOptions{}, environment.clock());
+    WatchPanelView view(session, SqliteSampleStore::locationIn(environment.supportFolder), stdout, outputIsTerminal,
+                        keys.active());
     importer.setObserver([&](ImporterProperty property) {
         if (property == ImporterProperty::isImporting || property == ImporterProperty::purgeProgress)
-            view.importerChanged(importer, environment.clock());
+            view.importerChanged(importer.state(), environment.clock());
     });
 
     ImportScheduler scheduler;
@@ -153,9 +155,9 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
         if (requested) importer.startImport();
         requested = false;
         // The panel shows the store at once, before the first run is over.
-        if (firstRequest) view.reload(importer, environment.clock());
+        if (firstRequest) view.reload(importer.state(), environment.clock());
         firstRequest = false;
-        if (importer.finishImportIfReady()) view.reload(importer, environment.clock());
+        if (importer.finishImportIfReady()) view.reload(importer.state(), environment.clock());
         if (resumedAfterStop) {
             resumedAfterStop = 0;
             view.redrawWhole();
@@ -171,8 +173,8 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     }
     // A run under way is completed, so that its results reach the store whole.
     importer.setObserver(nullptr);
-    if (importer.finishImport()) view.reload(importer, environment.clock());
-    view.finish();
+    if (importer.finishImport()) view.reload(importer.state(), environment.clock());
+    view.finish(environment.clock());
     return 0;
 }
 

@@ -81,7 +81,8 @@ ImportRunReport::Outcome UsageImporter::startImport() {
     SupportFolderLock lock = SupportFolderLock::tryAcquire(environment_.supportFolder);
     // A folder where no lock can be taken is one where no other process can
     // import either; the run goes on and meets the folder's faults itself.
-    if (lock.status() == SupportFolderLock::Status::busy) return ImportRunReport::Outcome::droppedOtherProcess;
+    lastRequestDroppedElsewhere_ = lock.status() == SupportFolderLock::Status::busy;
+    if (lastRequestDroppedElsewhere_) return ImportRunReport::Outcome::droppedOtherProcess;
 
     isImporting_ = true;
     publish(ImporterProperty::isImporting);
@@ -166,6 +167,7 @@ ImportRunReport UsageImporter::complete(FileWork work) {
     report.elapsedSeconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - run_->startedAt).count();
     run_.reset();
+    hasCompletedRun_ = true;
     isImporting_ = false;
     publish(ImporterProperty::isImporting);
     return report;
@@ -205,6 +207,18 @@ void UsageImporter::recomputeTodayFigures(SampleStore& store, Date now) {
     assignIfChanged(todaySessions_, sessions, ImporterProperty::todaySessions);
     assignIfChanged(todayTokens_, tokens, ImporterProperty::todayTokens);
     assignIfChanged(todayCostCents_, costCents, ImporterProperty::todayCostCents);
+}
+
+ImporterState UsageImporter::state() const {
+    return ImporterState{isImporting_,   lastImport_,   lastError_, detectedTools_,
+                         purgeProgress_, !hasCompletedRun_ && lastRequestDroppedElsewhere_};
+}
+
+ImporterState storedImporterState(const SettingsStore& settings) {
+    ImporterState state;
+    state.lastImport = settings.dateValue(lastImportSettingsKey);
+    state.detectedToolsFromStore = true;
+    return state;
 }
 
 void UsageImporter::publish(ImporterProperty property) const {

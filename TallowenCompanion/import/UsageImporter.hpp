@@ -5,6 +5,7 @@
 #include "model/SettingsStore.hpp"
 #include "import/DuplicatePurge.hpp"
 #include "import/ImportRunReport.hpp"
+#include "import/ImporterState.hpp"
 #include "readers/UsageReaders.hpp"
 #include "store/SampleStore.hpp"
 
@@ -80,6 +81,8 @@ public:
     int64_t todayTokens() const { return todayTokens_; }
     int64_t todayCostCents() const { return todayCostCents_; }
     std::optional<double> purgeProgress() const { return purgeProgress_; }
+    // The published properties together, for a panel.
+    ImporterState state() const;
 
 private:
     struct FileWork;
@@ -115,6 +118,12 @@ private:
     std::optional<double> purgeProgress_;
 
     std::unique_ptr<RunInProgress> run_;
+    bool hasCompletedRun_ = false;
+    bool lastRequestDroppedElsewhere_ = false;
 };
+
+// The importer's state for a panel when no import runs in this process: the
+// last import from the settings, the detected tools from the store.
+ImporterState storedImporterState(const SettingsStore& settings);
 
 }  // namespace tallowen
