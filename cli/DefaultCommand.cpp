@@ -22,6 +22,7 @@ int runDefaultCommand(const std::vector<std::string>& arguments) {
 
     TerminalImporter terminal(*environment);
     UsageImporter& importer = terminal.importer();
+    importer.setLogLine([](const std::string& line) { std::printf("%s\n", line.c_str()); });
     if (importer.runImport().outcome == ImportRunReport::Outcome::droppedOtherProcess)
         std::fputs("tallowen: another tallowen is importing into this data folder; the panel shows the store as it is\n",
                    stderr);

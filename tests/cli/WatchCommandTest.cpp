@@ -1,4 +1,5 @@
 #include "store/SqliteSampleStore.hpp"
+#include "support/Samples.hpp"
 #include "support/TempDir.hpp"
 #include "support/UsageHome.hpp"
 
@@ -253,6 +254,32 @@ private:
     bool ended_ = false;
     std::string output_;
 };
+
+TEST(WatchCommandTest, TheCleaningViewAnimatesWhileThePurgeRunsThenThePanelReturns) {
+    TempDir scratch;
+    testing::writeUsageHome(scratch, "home");
+    std::filesystem::create_directories(scratch.path() / "data");
+    SqliteSampleStore store(scratch.path() / "data" / "store.sqlite");
+    for (int day = 0; day < 20000; ++day)
+        for (int copy = 0; copy < 2; ++copy)
+            store.insert(testing::slotSample("1900-" + std::to_string(100000 + day), "phone-gemini", Date{1.0 * copy}));
+    store.save();
+
+    WatchOnTerminal watch(scratch.path() / "home", scratch.path() / "data");
+    ASSERT_TRUE(watch.started());
+    ASSERT_TRUE(watch.waitFor("QUITTER")) << watch.output();
+    // Redrawn only when it changes: the view moved while the purge ran.
+    const std::string& output = watch.output();
+    size_t cleaningFrames = 0;
+    for (size_t at = output.find("NETTOYAGE DES MESURES"); at != std::string::npos;
+         at = output.find("NETTOYAGE DES MESURES", at + 1))
+        ++cleaningFrames;
+    EXPECT_GE(cleaningFrames, 2u) << output;
+    EXPECT_GT(output.rfind("QUITTER"), output.rfind("NETTOYAGE DES MESURES"));
+    watch.signal(SIGINT);
+    EXPECT_EQ(watch.waitForEnd(), 0);
+    EXPECT_EQ(SqliteSampleStore(scratch.path() / "data" / "store.sqlite").count(), 20000 + 5);
+}
 
 TEST(WatchCommandTest, ASecondInterruptWhileARunEndsStillHandsTheTerminalBack) {
     TempDir scratch;
