@@ -57,20 +57,14 @@ std::string tableReport(const std::vector<UsageSample>& samples) {
 }  // namespace
 
 int runDaysCommand(const std::vector<std::string>& arguments) {
-    const auto daysAreWellWritten = [](const ParsedOptions& options, std::string& error) {
-        for (const char* name : {"--since", "--until"}) {
-            const auto day = options.value(name);
-            if (day && !isDayKeyText(*day)) {
-                error = std::string(name) + " needs a day written YYYY-MM-DD, not " + *day;
-                return false;
-            }
-        }
-        return true;
+    const auto daysAreWellWritten = [](const ParsedOptions& options) -> std::optional<std::string> {
+        for (const char* name : {"--since", "--until"})
+            if (const auto day = options.value(name); day && !isDayKeyText(*day))
+                return std::string(name) + " needs a day written YYYY-MM-DD, not " + *day;
+        return std::nullopt;
     };
-    int exitStatus = 0;
-    const auto start = startCommand("days", arguments, {"--since", "--until", "--tool", "--home", "--data"},
-                                    {"--json"}, exitStatus, daysAreWellWritten);
-    if (!start) return exitStatus;
+    const auto start = startCommand("days", arguments, {"--since", "--until", "--tool"}, {"--json"}, daysAreWellWritten);
+    if (!start) return reported(start.error());
     const ParsedOptions& options = start->options;
     const DayFilter filter{options.value("--since"), options.value("--until"), options.value("--tool")};
 

@@ -86,9 +86,8 @@ ImportRunReport importWithProgress(UsageImporter& importer, ProgressLine& progre
 }  // namespace
 
 int runImportCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("import", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("import", arguments, {}, {"--json"});
+    if (!start) return reported(start.error());
     const ParsedOptions& options = start->options;
     const EngineEnvironment& environment = start->environment;
     const bool asJson = options.has("--json");

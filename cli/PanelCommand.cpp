@@ -29,9 +29,8 @@ int printPanelOnce(const EngineEnvironment& environment, const ImporterState& im
 }
 
 int runPanelCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("panel", arguments, {"--home", "--data"}, {}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("panel", arguments, {}, {});
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
     return printPanelOnce(environment, storedImporterState(JsonSettingsStore::inSupportFolder(environment.supportFolder)),
                           "panel: ");

@@ -69,9 +69,8 @@ std::string tableReport(const LogReadOutcome& outcome) {
 }  // namespace
 
 int runScanCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("scan", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("scan", arguments, {}, {"--json"});
+    if (!start) return reported(start.error());
     const ParsedOptions& options = start->options;
     const EngineEnvironment& environment = start->environment;
     const ImportStateFile stateFile(environment.supportFolder);

@@ -13,9 +13,8 @@
 namespace tallowen::cli {
 
 int runSummaryCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("summary", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("summary", arguments, {}, {"--json"});
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
     const auto samples = readStoredSamples(SqliteSampleStore::locationIn(environment.supportFolder));
     if (!samples) {

@@ -124,9 +124,8 @@ void sleepBriefly() {
 }  // namespace
 
 int runWatchCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("watch", arguments, {"--home", "--data"}, {}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("watch", arguments, {}, {});
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
     installStopHandlers();
 
