@@ -1,6 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
-#include "TerminalImporter.hpp"
+#include "app/SupportFolderImporter.hpp"
 
 #include <cstdio>
 
@@ -10,7 +10,7 @@ int runDefaultCommand(const std::vector<std::string>& arguments) {
     const auto start = startCommand(nullptr, arguments, {}, {});
     if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
-    TerminalImporter terminal(environment);
+    SupportFolderImporter terminal(environment);
     UsageImporter& importer = terminal.importer();
     importer.setLogLine([](const std::string& line) { std::printf("%s\n", line.c_str()); });
     if (importer.runImport().outcome == ImportRunReport::Outcome::droppedOtherProcess)

@@ -1,7 +1,7 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
-#include "TerminalImporter.hpp"
+#include "app/SupportFolderImporter.hpp"
 #include "WatchPanel.hpp"
 
 #include "app/ImportScheduler.hpp"
@@ -129,7 +129,7 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     const EngineEnvironment& environment = start->environment;
     installStopHandlers();
 
-    TerminalImporter terminal(environment);
+    SupportFolderImporter terminal(environment);
     UsageImporter& importer = terminal.importer();
     // Console lines of the engine would break the panel drawn in place.
     importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });

@@ -48,17 +48,4 @@ std::string daySamplesJson(const std::vector<UsageSample>& samples) {
     return json.take();
 }
 
-std::string scannedDaysJson(const std::vector<UsageTool>& detected, const std::vector<UsageSample>& samples) {
-    JsonWriter json;
-    json.beginObject();
-    json.key("detected").beginArray();
-    for (const UsageTool tool : detected) json.string(rawValue(tool));
-    json.endArray();
-    json.key("samples").beginArray();
-    for (const UsageSample& sample : samples) writeDaySampleJson(json, sample, false);
-    json.endArray();
-    json.endObject();
-    return json.take();
-}
-
 }  // namespace tallowen

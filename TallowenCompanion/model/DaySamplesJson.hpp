@@ -2,7 +2,6 @@
 
 #include "base/JsonWriter.hpp"
 #include "model/UsageSample.hpp"
-#include "model/UsageTool.hpp"
 
 #include <string>
 #include <vector>
@@ -17,9 +16,5 @@ void writeDaySampleJson(JsonWriter& json, const UsageSample& sample, bool withUp
 
 // Stored samples: {"samples":[…]}, each with its updatedAt.
 std::string daySamplesJson(const std::vector<UsageSample>& samples);
-
-// What a reading of the logs found, before anything is stored:
-// {"detected":[raw tool values],"samples":[…]}, without updatedAt.
-std::string scannedDaysJson(const std::vector<UsageTool>& detected, const std::vector<UsageSample>& samples);
 
 }  // namespace tallowen

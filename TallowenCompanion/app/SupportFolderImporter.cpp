@@ -1,11 +1,11 @@
-#include "TerminalImporter.hpp"
+#include "app/SupportFolderImporter.hpp"
 
 #include "import/ImportStateFile.hpp"
 #include "store/SqliteSampleStore.hpp"
 
-namespace tallowen::cli {
+namespace tallowen {
 
-TerminalImporter::TerminalImporter(const EngineEnvironment& environment)
+SupportFolderImporter::SupportFolderImporter(const EngineEnvironment& environment)
     : settings_(JsonSettingsStore::inSupportFolder(environment.supportFolder)),
       activity_(AppActivityRecorder::locationBeside(ImportStateFile(environment.supportFolder).location())),
       importer_(
@@ -15,4 +15,4 @@ TerminalImporter::TerminalImporter(const EngineEnvironment& environment)
           },
           settings_, activity_) {}
 
-}  // namespace tallowen::cli
+}  // namespace tallowen
