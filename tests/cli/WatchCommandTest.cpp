@@ -109,17 +109,6 @@ TEST(WatchCommandTest, ImportsAtOnceDrawsThePanelAndStopsCleanlyOnASignal) {
     }
 }
 
-TEST(WatchCommandTest, ShowsTheLastErrorInThePanel) {
-    TempDir scratch;
-    testing::writeUsageHome(scratch, "home");
-    scratch.write("data/store.sqlite", std::string(3000, 'z'));
-    WatchProcess watch(scratch.path() / "home", scratch.path() / "data");
-    ASSERT_TRUE(watch.started());
-    const std::string panel = watch.readPanel();
-    EXPECT_NE(panel.find("\nStore illisible : "), std::string::npos) << panel;
-    EXPECT_EQ(watch.stopWith(SIGINT), 0);
-}
-
 // `tallowen watch` on a pseudo-terminal, as a person runs it: keys and panel
 // on the same terminal, whose settings the test can read once it has ended.
 class WatchOnTerminal {

@@ -57,9 +57,6 @@ TEST_F(MenuModelTest, WithoutSamplesEverySectionShowsItsEmptyState) {
               "voir METHODOLOGY.md.");
     EXPECT_FALSE(model.errorLine);
     EXPECT_FALSE(model.lastImportText);
-    EXPECT_EQ(model.importButtonLabel, "IMPORTER");
-    EXPECT_TRUE(model.importButtonEnabled);
-    EXPECT_FALSE(model.showsImportIndicator);
 }
 
 TEST_F(MenuModelTest, TodayToolsWeekAndQuotasFromTheSamples) {
