@@ -269,6 +269,9 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
     EXPECT_TRUE(dropped.dropped());
     EXPECT_FALSE(other.isImporting());
     EXPECT_FALSE(other.lastImport());
+    // Its panel takes the tools from the store until one of its own runs finds them.
+    EXPECT_TRUE(other.state().detectedToolsFromStore);
+    EXPECT_FALSE(importer.state().detectedToolsFromStore);
 
     release.set_value();
     const auto report = importer.finishImport();
@@ -282,6 +285,10 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
 
     // The folder is free again once the run is over.
     EXPECT_EQ(other.runImport().outcome, Outcome::completed);
+    EXPECT_FALSE(other.state().detectedToolsFromStore);
+    const ImporterState stored = storedImporterState(otherSettings);
+    EXPECT_EQ(stored.lastImport, now);
+    EXPECT_TRUE(stored.detectedToolsFromStore);
 }
 
 TEST_F(UsageImporterTest, ACorruptStoreIsReportedAndTheRunStillCompletes) {
