@@ -3,7 +3,7 @@ import TallowenKit
 
 /// The app itself as a login item, through ServiceManagement. The engine turns
 /// the status into the checkbox and decides when to register.
-final class MainAppLoginItem: LoginItemService {
+final class MainAppLoginItem: LoginItemService, Sendable {
     var status: LoginItemStatus {
         switch SMAppService.mainApp.status {
         case .notRegistered:

@@ -22,11 +22,9 @@ enum Palette {
     /// The cleaning card, a lighter layer over the gradient.
     static let card = Color.white.opacity(0.06)
 
-    static let background = LinearGradient(
-        colors: [gradientTop, gradientBottom],
-        startPoint: .top,
-        endPoint: .bottom
-    )
+    static var background: LinearGradient {
+        LinearGradient(colors: [gradientTop, gradientBottom], startPoint: .top, endPoint: .bottom)
+    }
 
     /// The colour of an engine role; a role this build does not know yet draws
     /// as primary text rather than disappearing.

@@ -32,7 +32,8 @@ final class PanelFrameClock: Sendable {
             return chosen
         }
         let frame = session.frame(at: drawDate)
-        state.withLock { $0.intervalSeconds = frame.nextFrameSeconds }
+        let nextFrameSeconds = frame.nextFrameSeconds
+        state.withLock { $0.intervalSeconds = nextFrameSeconds }
         return frame
     }
 }
