@@ -1,10 +1,11 @@
 import SwiftUI
+import TallowenKit
 
 /// What the panel shows, and all it shows, while the one-time duplicate purge
 /// runs: its progress on a card under the title bar.
 struct CleaningView: View {
     let titleText: String
-    let titleRole: String
+    let titleRole: PanelRole
     let heading: String
     let percentText: String
     let barFraction: Double

@@ -1,4 +1,5 @@
 import SwiftUI
+import TallowenKit
 
 /// One rate-limit window of a tool: its title ("5H", "7J"), the fill, the
 /// percentage and the time to the reset, all as the engine worded them.
@@ -6,7 +7,7 @@ struct MacQuotaBar: View {
     let title: String
     let fillFraction: Double
     let percentText: String
-    let role: String
+    let role: PanelRole
     let resetText: String?
 
     var body: some View {

@@ -1,8 +1,8 @@
 import SwiftUI
+import TallowenKit
 
 /// Every colour of the panel. The engine names a colour role for each text it
-/// hands over ("primary", "secondary", "accent", "warning", "dimmed",
-/// "disabled"); this is the one place that turns a role into a colour.
+/// hands over; this is the one place that turns a role into a colour.
 ///
 /// The panel is a dark gradient: a deep olive charcoal with tallow-cream text,
 /// an amber accent and a coral warning that stays readable on it.
@@ -26,22 +26,21 @@ enum Palette {
         LinearGradient(colors: [gradientTop, gradientBottom], startPoint: .top, endPoint: .bottom)
     }
 
-    /// The colour of an engine role; a role this build does not know yet draws
-    /// as primary text rather than disappearing.
-    static func color(for role: String) -> Color {
+    /// The colour of an engine role.
+    static func color(for role: PanelRole) -> Color {
         switch role {
-        case "secondary":
-            return secondary
-        case "accent":
-            return accent
-        case "warning":
-            return warning
-        case "dimmed":
-            return dimmed
-        case "disabled":
-            return disabled
-        default:
+        case .primary:
             return primary
+        case .secondary:
+            return secondary
+        case .accent:
+            return accent
+        case .warning:
+            return warning
+        case .dimmed:
+            return dimmed
+        case .disabled:
+            return disabled
         }
     }
 }

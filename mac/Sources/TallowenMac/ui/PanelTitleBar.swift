@@ -1,10 +1,11 @@
 import SwiftUI
+import TallowenKit
 
 /// The bar at the top of the menu and of the cleaning view: the accent square,
 /// the typewriter title and, while an import runs, a spinner.
 struct PanelTitleBar: View {
     let titleText: String
-    let titleRole: String
+    let titleRole: PanelRole
     let showsImportIndicator: Bool
 
     var body: some View {
