@@ -1,10 +1,9 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
-#include "TerminalImporter.hpp"
 #include "TerminalSize.hpp"
 #include "TerminalStyle.hpp"
 
-#include "store/StoreQuery.hpp"
+#include "store/SqliteSampleStore.hpp"
 #include "ui/HistoryChart.hpp"
 
 #include <array>
@@ -60,33 +59,30 @@ int runHistoryCommand(const std::vector<std::string>& arguments) {
     std::optional<HistoryMetric> metric;
     std::optional<HistoryRange> range;
     // The range is checked before any folder is looked at; the calendar is the process's either way.
-    const auto rangeIsSound = [&](const ParsedOptions& options, std::string& error) {
+    const auto rangeIsSound = [&](const ParsedOptions& options) -> std::optional<std::string> {
         metric = historyMetricNamed(options.value("--metric").value_or("tokens"));
-        if (!metric) error = "--metric takes tokens, requests, water or cost, not " + *options.value("--metric");
-        if (metric)
-            range = historyRange(options.value("--days"), options.value("--since"), options.value("--until"),
-                                 systemClock()(), LocalCalendar{}, error);
-        return range.has_value();
+        if (!metric) return "--metric takes tokens, requests, water or cost, not " + *options.value("--metric");
+        std::string error;
+        range = historyRange(options.value("--days"), options.value("--since"), options.value("--until"),
+                             systemClock()(), LocalCalendar{}, error);
+        return range ? std::nullopt : std::optional(error);
     };
-    int exitStatus = 0;
-    const auto start = startCommand("history", arguments,
-                                    {"--days", "--since", "--until", "--metric", "--home", "--data"}, {"--json"},
-                                    exitStatus, rangeIsSound);
-    if (!start) return exitStatus;
-    const ParsedOptions& options = start->options;
+    const auto start =
+        startCommand("history", arguments, {"--days", "--since", "--until", "--metric"}, {"--json"}, rangeIsSound);
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
-    std::string error;
-    const auto samples = queryStoreFile(
-        storeLocation(environment),
-        [&](SqliteSampleStore& store) { return store.fetchDays(range->firstDayKey, range->lastDayKey); }, error);
+    const auto samples = readStoredSamples(SqliteSampleStore::locationIn(environment.supportFolder),
+                                           [&](SqliteSampleStore& store) {
+                                               return store.fetchDays(range->firstDayKey, range->lastDayKey);
+                                           });
     if (!samples) {
-        std::fprintf(stderr, "tallowen: history: %s\n", error.c_str());
+        std::fprintf(stderr, "tallowen: history: %s\n", samples.error().c_str());
         return 1;
     }
     const UsageHistory history =
         usageHistory(*samples, dayKeysFromTo(range->firstDayKey, range->lastDayKey, environment.calendar), *metric);
     std::string text;
-    if (options.has("--json")) {
+    if (start->options.has("--json")) {
         text = usageHistoryJson(history) + "\n";
     } else {
         const int columns = terminalSize(STDOUT_FILENO).value_or(TerminalExtent{}).columns;

@@ -4,8 +4,6 @@
 #include "BottleArt.hpp"
 #include "QuotaBarArt.hpp"
 #include "TextWidth.hpp"
-#include "summary/BottleBitmaps.hpp"
-#include "ui/MenuFormats.hpp"
 #include "ui/PanelLayout.hpp"
 
 #include <algorithm>
@@ -30,24 +28,23 @@ public:
     void blank() {
         if (roomy_) lines_.emplace_back();
     }
-    void paint(StyleRole role, std::string_view text) { add(style_.paint(role, text)); }
-    void wrapped(StyleRole role, std::string_view text) {
+    void paint(TextRole role, std::string_view text) { add(style_.paint(role, text)); }
+    void wrapped(TextRole role, std::string_view text) {
         for (const std::string& line : wrapText(text, width_)) paint(role, line);
     }
     // A title and its text on one line when they fit, else the title above the wrapped text.
-    void titled(std::string_view title, StyleRole role, std::string_view text) {
-        if (displayWidth(title) + 1 + displayWidth(text) <= width_) {
-            add(style_.paint(StyleRole::secondary, title) + " " + style_.paint(role, text));
-            return;
+    void titled(std::string_view title, TextRole role, std::string_view text) {
+        if (displayWidth(title) + 1 + displayWidth(text) > width_) {
+            paint(TextRole::secondary, title);
+            return wrapped(role, text);
         }
-        paint(StyleRole::secondary, title);
-        wrapped(role, text);
+        add(style_.paint(TextRole::secondary, title) + " " + style_.paint(role, text));
     }
     void separator() {
         if (!roomy_) return;
         std::string rule;
         for (int i = 0; i < width_; ++i) rule += "─";
-        paint(StyleRole::secondary, rule);
+        paint(TextRole::secondary, rule);
     }
     const TerminalStyle& style() const { return style_; }
     int width() const { return width_; }
@@ -65,120 +62,120 @@ private:
     std::vector<std::string> lines_;
 };
 
-void titleBar(Lines& out, const PanelFrame& frame, bool importing) {
-    const std::string left = out.style().paint(StyleRole::accent, "■") + " " + out.style().paint(StyleRole::primary, frame.title);
-    if (importing) {
-        out.add(spread(left, out.style().paint(StyleRole::secondary, "import…"), out.width()));
+void titleBar(Lines& out, const PanelFrame& frame) {
+    const std::string left =
+        out.style().paint(TextRole::accent, "■") + " " + out.style().paint(frame.title.role, frame.title.text);
+    if (frame.showsImportIndicator) {
+        out.add(spread(left, out.style().paint(TextRole::secondary, "import…"), out.width()));
     } else {
         out.add(left);
     }
-}
-
-void todayBlock(Lines& out, const MenuModel& model, const PanelFrame& frame) {
-    const TerminalStyle& style = out.style();
-    out.paint(StyleRole::secondary, menu_text::todayTitle);
-
-    const std::string counter = frame.tokenCounter.empty() ? model.todayTokensText : frame.tokenCounter;
-    const std::string besideCount[bigDigitLineCount] = {
-        style.paint(StyleRole::secondary, menu_text::requestsLabel),
-        style.paint(StyleRole::primary, counter) + " " + style.paint(StyleRole::secondary, menu_text::tokensLabel),
-        "",
-    };
-    std::vector<std::string> big = bigDigitLines(model.todayRequestsText);
-    const int bigWidth = big.empty() ? 0 : displayWidth(big.front());
-    if (big.empty() || bigWidth + 2 + displayWidth(besideCount[1]) > panelWidth) {
-        // Too many digits for the pixel figures: the plain number.
-        big = {model.todayRequestsText, "", ""};
-    }
-    const int countColumns = std::max(displayWidth(big.front()), 2) + 2;
-    for (int line = 0; line < bigDigitLineCount; ++line)
-        out.add(padRight(style.paint(StyleRole::primary, big[line]), countColumns) + besideCount[line]);
-    out.paint(StyleRole::primary, model.todayCostText);
     out.blank();
 }
 
-void waterBlock(Lines& out, const MenuModel& model) {
+void todayBlock(Lines& out, const PanelToday& today) {
     const TerminalStyle& style = out.style();
-    out.paint(StyleRole::secondary, menu_text::waterTitle);
-    const BottleBitmap& bitmap = bottleBitmap(model.level);
-    const std::vector<std::string> bottle = bottleArtLines(std::vector<std::string>(bitmap.begin(), bitmap.end()));
+    out.paint(TextRole::secondary, today.title);
+
+    const std::string besideCount[bigDigitLineCount] = {
+        style.paint(TextRole::secondary, today.requestsLabel),
+        style.paint(TextRole::primary, today.counter.text) + " " + style.paint(TextRole::secondary, today.tokensLabel),
+        "",
+    };
+    std::vector<std::string> big = bigDigitLines(today.requestsText);
+    const int bigWidth = big.empty() ? 0 : displayWidth(big.front());
+    if (big.empty() || bigWidth + 2 + displayWidth(besideCount[1]) > panelWidth) {
+        // Too many digits for the pixel figures: the plain number.
+        big = {today.requestsText, "", ""};
+    }
+    const int countColumns = std::max(displayWidth(big.front()), 2) + 2;
+    for (int line = 0; line < bigDigitLineCount; ++line)
+        out.add(padRight(style.paint(TextRole::primary, big[line]), countColumns) + besideCount[line]);
+    out.paint(TextRole::primary, today.costText);
+    out.blank();
+}
+
+void waterBlock(Lines& out, const PanelToday& today) {
+    const TerminalStyle& style = out.style();
+    out.paint(TextRole::secondary, today.waterTitle);
+    const std::vector<std::string> bottle = bottleArtLines(today.bottleRows);
     const std::string texts[] = {
-        style.paint(StyleRole::primary, model.todayWaterText),
-        style.paint(StyleRole::secondary, model.waterEquivalentText),
-        style.paint(StyleRole::secondary, model.comparisonLine),
+        style.paint(TextRole::primary, today.waterText),
+        style.paint(TextRole::secondary, today.equivalentText),
+        style.paint(TextRole::secondary, today.comparisonLine),
     };
     for (size_t line = 0; line < bottle.size(); ++line) {
-        std::string row = padRight(" " + style.paint(StyleRole::accent, bottle[line]), bottleColumnWidth);
+        std::string row = padRight(" " + style.paint(TextRole::accent, bottle[line]), bottleColumnWidth);
         if (line >= bottleTextFirstLine && line - bottleTextFirstLine < std::size(texts))
             row += texts[line - bottleTextFirstLine];
         out.add(std::move(row));
     }
 }
 
-void toolRows(Lines& out, const MenuModel& model) {
-    if (model.toolRows.empty()) return;
+void toolRows(Lines& out, const PanelFrame& frame) {
+    if (frame.toolRows.empty()) return;
     out.blank();
-    for (const MenuToolRow& row : model.toolRows)
-        out.add(spread(out.style().paint(StyleRole::primary, row.label),
-                       out.style().paint(StyleRole::secondary, row.figuresText), out.width()));
+    for (const PanelToolRow& row : frame.toolRows)
+        out.add(spread(out.style().paint(TextRole::primary, row.label),
+                       out.style().paint(TextRole::secondary, row.figuresText), out.width()));
 }
 
-void weekBlock(Lines& out, const MenuModel& model) {
+void weekBlock(Lines& out, const PanelWeek& week) {
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::weekTitle);
-    out.wrapped(StyleRole::primary, model.weekLine);
+    out.paint(TextRole::secondary, week.title);
+    out.wrapped(TextRole::primary, week.line);
 }
 
-void quotaBlocks(Lines& out, const MenuModel& model) {
+void quotaBlocks(Lines& out, const std::optional<PanelQuotas>& quotas) {
+    if (!quotas) return;
     const TerminalStyle& style = out.style();
     const int barColumns = out.width() - quotaTitleColumns - 1 - quotaPercentColumns - 1 - quotaResetColumns;
-    for (const MenuQuotaBlock& block : model.quotaBlocks) {
-        std::string header = style.paint(StyleRole::primary, block.label);
+    for (const PanelQuotaBlock& block : quotas->blocks) {
+        std::string header = style.paint(TextRole::primary, block.label);
         if (block.plan) {
             // A plan name of any length keeps the header on one line.
             const int planColumns = out.width() - displayWidth(block.label) - 1;
-            header += " " + style.paint(StyleRole::secondary, truncatedToWidth(*block.plan, planColumns));
+            header += " " + style.paint(TextRole::secondary, truncatedToWidth(*block.plan, planColumns));
         }
         out.add(std::move(header));
-        for (const MenuQuotaBar& bar : block.bars) {
-            const StyleRole role = bar.warning ? StyleRole::warning : StyleRole::primary;
-            out.add(padRight(style.paint(StyleRole::secondary, bar.title), quotaTitleColumns) +
-                    style.paint(role, quotaBarArt(bar.percent, barColumns)) + " " +
-                    padLeft(style.paint(role, bar.percentText), quotaPercentColumns) + " " +
-                    padLeft(style.paint(StyleRole::secondary, bar.resetText.value_or("")), quotaResetColumns));
+        for (const PanelQuotaBar& bar : block.bars) {
+            out.add(padRight(style.paint(TextRole::secondary, bar.title), quotaTitleColumns) +
+                    style.paint(bar.role, quotaBarArt(bar.percent, barColumns)) + " " +
+                    padLeft(style.paint(bar.role, bar.percentText), quotaPercentColumns) + " " +
+                    padLeft(style.paint(TextRole::secondary, bar.resetText.value_or("")), quotaResetColumns));
         }
     }
 }
 
-void quotaSection(Lines& out, const MenuModel& model) {
-    if (model.quotaBlocks.empty()) return;
+void quotaSection(Lines& out, const std::optional<PanelQuotas>& quotas) {
+    if (!quotas) return;
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::quotasTitle);
-    quotaBlocks(out, model);
+    out.paint(TextRole::secondary, quotas->title);
+    quotaBlocks(out, quotas);
 }
 
-void detectedTools(Lines& out, const MenuModel& model) {
+void detectedTools(Lines& out, const PanelFrame& frame) {
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::detectedToolsTitle);
-    out.wrapped(model.hasDetectedTools ? StyleRole::primary : StyleRole::secondary, model.detectedToolsText);
-    if (model.errorLine) out.wrapped(StyleRole::warning, *model.errorLine);
+    out.paint(TextRole::secondary, frame.detectedTools.title);
+    out.wrapped(frame.detectedTools.role, frame.detectedTools.text);
+    if (frame.errorLine) out.wrapped(TextRole::warning, *frame.errorLine);
 }
 
-void footer(Lines& out, const MenuModel& model, const PanelFrame& frame) {
+void footer(Lines& out, const PanelFooter& footer, bool showsKeyHints) {
     const TerminalStyle& style = out.style();
-    const std::string importTime = style.paint(StyleRole::secondary, model.lastImportText.value_or(""));
-    if (!frame.showsKeyHints) {
-        if (model.lastImportText) {
+    const std::string importTime = style.paint(TextRole::secondary, footer.lastImportText.value_or(""));
+    if (!showsKeyHints) {
+        if (footer.lastImportText) {
             out.blank();
             out.add(padLeft(importTime, out.width()));
         }
         return;
     }
     out.separator();
-    const std::string importKey = style.paint(StyleRole::accent, "[i]") + " " +
-                                  style.paint(model.importButtonEnabled ? StyleRole::primary : StyleRole::secondary,
-                                              model.importButtonLabel);
-    const std::string quitKey = style.paint(StyleRole::accent, "[q]") + " " + style.paint(StyleRole::primary, menu_text::quitButton);
+    const std::string importKey =
+        style.paint(TextRole::accent, "[i]") + " " + style.paint(footer.importRole, footer.importLabel);
+    const std::string quitKey =
+        style.paint(TextRole::accent, "[q]") + " " + style.paint(TextRole::primary, footer.quitLabel);
     // The import time sits centred between the two keys.
     const int sides = displayWidth(importKey) + displayWidth(quitKey);
     const int room = out.width() - sides;
@@ -192,106 +189,85 @@ void footer(Lines& out, const MenuModel& model, const PanelFrame& frame) {
 }
 
 // Today, merged: the count and the tokens on one line, the cost beside them when it fits.
-void compactToday(Lines& out, const MenuModel& model, const PanelFrame& frame) {
+void compactToday(Lines& out, const PanelToday& today) {
     const TerminalStyle& style = out.style();
-    out.paint(StyleRole::secondary, menu_text::todayTitle);
-    const std::string counter = frame.tokenCounter.empty() ? model.todayTokensText : frame.tokenCounter;
-    const std::string figures = style.paint(StyleRole::primary, model.todayRequestsText) + " " +
-                                style.paint(StyleRole::secondary, menu_text::requestsLabel) + " · " +
-                                style.paint(StyleRole::primary, counter) + " " +
-                                style.paint(StyleRole::secondary, menu_text::tokensLabel);
-    const std::string cost = style.paint(StyleRole::primary, model.todayCostText);
-    if (displayWidth(figures) + 2 + displayWidth(cost) <= out.width()) {
-        out.add(spread(figures, cost, out.width()));
-    } else {
+    out.paint(TextRole::secondary, today.title);
+    const std::string figures =
+        style.paint(TextRole::primary, today.requestsText) + " " + style.paint(TextRole::secondary, today.requestsLabel) +
+        " · " + style.paint(TextRole::primary, today.counter.text) + " " +
+        style.paint(TextRole::secondary, today.tokensLabel);
+    const std::string cost = style.paint(TextRole::primary, today.costText);
+    if (displayWidth(figures) + 2 + displayWidth(cost) > out.width()) {
         out.add(figures);
-        out.add(cost);
+        return out.add(cost);
     }
+    out.add(spread(figures, cost, out.width()));
 }
 
-// The water texts, beside the bottle at half its size or on two lines without it.
-void compactWater(Lines& out, const MenuModel& model, bool withBottle) {
+// The water texts beside the bottle at half its size, or on two lines without it.
+void compactWater(Lines& out, const PanelToday& today, bool withBottle) {
     const TerminalStyle& style = out.style();
     const std::string texts[] = {
-        style.paint(StyleRole::secondary, menu_text::waterTitle) + " " +
-            style.paint(StyleRole::primary, model.todayWaterText),
-        style.paint(StyleRole::secondary, model.waterEquivalentText),
-        style.paint(StyleRole::secondary, model.comparisonLine),
+        style.paint(TextRole::secondary, today.waterTitle) + " " + style.paint(TextRole::primary, today.waterText),
+        style.paint(TextRole::secondary, today.equivalentText),
+        style.paint(TextRole::secondary, today.comparisonLine),
     };
     if (!withBottle) {
         out.add(texts[0] + " " + texts[1]);
-        out.add(texts[2]);
-        return;
+        return out.add(texts[2]);
     }
-    const BottleBitmap& bitmap = bottleBitmap(model.level);
-    const auto bottle = bottleArtLines(halvedPixelRows(std::vector<std::string>(bitmap.begin(), bitmap.end())));
+    const auto bottle = bottleArtLines(halvedPixelRows(today.bottleRows));
     for (size_t line = 0; line < bottle.size(); ++line)
-        out.add(style.paint(StyleRole::accent, bottle[line]) + "  " + (line < std::size(texts) ? texts[line] : ""));
-}
-
-std::vector<std::string> compactPanel(const MenuModel& model, const PanelFrame& frame, const TerminalStyle& style) {
-    Lines out(style, frame.columns, false);
-    titleBar(out, frame, model.showsImportIndicator);
-    compactToday(out, model, frame);
-    compactWater(out, model, frame.layout == PanelLayout::compactWithBottle);
-    toolRows(out, model);
-    out.titled(menu_text::weekTitle, StyleRole::primary, model.weekLine);
-    quotaBlocks(out, model);
-    out.titled(menu_text::detectedToolsTitle, model.hasDetectedTools ? StyleRole::primary : StyleRole::secondary,
-               model.detectedToolsText);
-    if (model.errorLine) out.wrapped(StyleRole::warning, *model.errorLine);
-    footer(out, model, frame);
-    return out.take();
+        out.add(style.paint(TextRole::accent, bottle[line]) + "  " + (line < std::size(texts) ? texts[line] : ""));
 }
 
 }  // namespace
 
-CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale) {
-    return CountingText{model.todayTokens, [locale](int64_t n) { return tokenText(n, locale); },
-                        model.tokenRatePerSecond};
-}
-
-std::vector<std::string> renderPanel(const MenuModel& model, const PanelFrame& frame, const TerminalStyle& style) {
-    if (frame.layout == PanelLayout::tooNarrow) return {terminalTooNarrowText(frame.columns)};
-    if (model.cleaning) return renderCleaningView(*model.cleaning, frame, style);
-    if (frame.layout != PanelLayout::full) return compactPanel(model, frame, style);
-    Lines out(style, panelWidth, true);
-    titleBar(out, frame, model.showsImportIndicator);
-    out.blank();
-    todayBlock(out, model, frame);
-    waterBlock(out, model);
-    toolRows(out, model);
-    weekBlock(out, model);
-    quotaSection(out, model);
-    detectedTools(out, model);
-    footer(out, model, frame);
+std::vector<std::string> renderPanel(const PanelFrame& frame, bool showsKeyHints, const TerminalStyle& style,
+                                     PanelLayout layout, int columns) {
+    if (layout == PanelLayout::tooNarrow) return {terminalTooNarrowText(columns)};
+    const bool roomy = layout == PanelLayout::full || frame.cleaning;
+    Lines out(style, layout == PanelLayout::full ? panelWidth : columns, roomy);
+    titleBar(out, frame);
+    if (const auto& cleaning = frame.cleaning) {
+        out.paint(TextRole::secondary, cleaning->title);
+        std::vector<std::string> big = bigDigitLines(cleaning->percentText);
+        if (big.empty()) big = {cleaning->percentText};
+        for (const std::string& line : big) out.paint(TextRole::primary, line);
+        out.paint(TextRole::primary, quotaBarArt(cleaning->barFraction * 100.0, out.width()));
+        out.wrapped(TextRole::secondary, cleaning->note);
+        return out.take();
+    }
+    if (roomy) {
+        todayBlock(out, frame.today);
+        waterBlock(out, frame.today);
+    } else {
+        compactToday(out, frame.today);
+        compactWater(out, frame.today, layout == PanelLayout::compactWithBottle);
+    }
+    toolRows(out, frame);
+    if (roomy) {
+        weekBlock(out, frame.week);
+        quotaSection(out, frame.quotas);
+        detectedTools(out, frame);
+    } else {
+        out.titled(frame.week.title, TextRole::primary, frame.week.line);
+        quotaBlocks(out, frame.quotas);
+        out.titled(frame.detectedTools.title, frame.detectedTools.role, frame.detectedTools.text);
+        if (frame.errorLine) out.wrapped(TextRole::warning, *frame.errorLine);
+    }
+    footer(out, frame.footer, showsKeyHints);
     return out.take();
 }
 
-std::vector<std::string> fittedPanel(const MenuModel& model, PanelFrame frame, const TerminalStyle& style,
+std::vector<std::string> fittedPanel(const PanelFrame& frame, bool showsKeyHints, const TerminalStyle& style,
                                      const std::optional<TerminalExtent>& terminal, bool cutToRows) {
     const auto drawnIn = [&](PanelLayout layout) {
-        frame.layout = layout;
-        frame.columns = panelColumns(layout, terminal);
-        return renderPanel(model, frame, style);
+        return renderPanel(frame, showsKeyHints, style, layout, panelColumns(layout, terminal));
     };
     const auto lines = drawnIn(choosePanelLayout(
         terminal, [&](PanelLayout candidate) { return static_cast<int>(drawnIn(candidate).size()); }));
-    return terminal && cutToRows ? linesWithinRows(lines, terminal->rows, frame.showsKeyHints) : lines;
-}
-
-std::vector<std::string> renderCleaningView(const MenuCleaningView& cleaning, const PanelFrame& frame,
-                                            const TerminalStyle& style) {
-    Lines out(style, frame.columns, true);
-    titleBar(out, frame, false);
-    out.blank();
-    out.paint(StyleRole::secondary, menu_text::cleaningTitle);
-    std::vector<std::string> big = bigDigitLines(cleaning.percentText);
-    if (big.empty()) big = {cleaning.percentText};
-    for (const std::string& line : big) out.paint(StyleRole::primary, line);
-    out.paint(StyleRole::primary, quotaBarArt(cleaning.barFraction * 100.0, out.width()));
-    out.wrapped(StyleRole::secondary, menu_text::cleaningNote);
-    return out.take();
+    return terminal && cutToRows ? linesWithinRows(lines, terminal->rows, showsKeyHints) : lines;
 }
 
 std::string joinedLines(const std::vector<std::string>& lines) {

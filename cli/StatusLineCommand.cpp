@@ -1,9 +1,8 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
-#include "TerminalImporter.hpp"
 
 #include "model/DayKey.hpp"
-#include "store/StoreQuery.hpp"
+#include "store/SqliteSampleStore.hpp"
 #include "ui/StatusLine.hpp"
 
 #include <cstdio>
@@ -11,21 +10,17 @@
 namespace tallowen::cli {
 
 int runStatusLineCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("statusline", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("statusline", arguments, {}, {"--json"});
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
     const Date now = environment.clock();
-    std::string error;
     // Today's samples and the fresh quotas only: a prompt runs this at every line.
-    const auto samples = queryStoreFile(
-        storeLocation(environment),
-        [&](SqliteSampleStore& store) {
+    const auto samples =
+        readStoredSamples(SqliteSampleStore::locationIn(environment.supportFolder), [&](SqliteSampleStore& store) {
             return store.fetchFromDayOrQuotaSince(dayKey(now, environment.calendar), statusLineOldestQuotaUpdate(now));
-        },
-        error);
+        });
     if (!samples) {
-        std::fprintf(stderr, "tallowen: statusline: %s\n", error.c_str());
+        std::fprintf(stderr, "tallowen: statusline: %s\n", samples.error().c_str());
         return 1;
     }
     const LocaleFormatter locale = LocaleFormatter::forProcess();

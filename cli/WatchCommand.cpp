@@ -1,10 +1,11 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
-#include "TerminalImporter.hpp"
+#include "app/SupportFolderImporter.hpp"
 #include "WatchPanel.hpp"
 
 #include "app/ImportScheduler.hpp"
+#include "store/SqliteSampleStore.hpp"
 
 #include <atomic>
 #include <csignal>
@@ -128,13 +129,12 @@ void sleepBriefly() {
 }  // namespace
 
 int runWatchCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("watch", arguments, {"--home", "--data"}, {}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("watch", arguments, {}, {});
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
     installStopHandlers();
 
-    TerminalImporter terminal(environment);
+    SupportFolderImporter terminal(environment);
     UsageImporter& importer = terminal.importer();
     // Console lines of the engine would break the panel drawn in place.
     importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
@@ -142,12 +142,13 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     WatchKeys keys;
     const bool outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     restoreTerminalOnForcedStop(keys, outputIsTerminal);
-    WatchPanelView view(environment, LocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
-                        environment.clock());
-    // The purge runs inside the end of a run: its progress is drawn as it is published.
+    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    PanelSession session(locale, environment.calendar, PanelOptions{}, environment.clock());
+    WatchPanelView view(session, SqliteSampleStore::locationIn(environment.supportFolder), stdout, outputIsTerminal,
+                        keys.active());
     importer.setObserver([&](ImporterProperty property) {
         if (property == ImporterProperty::isImporting || property == ImporterProperty::purgeProgress)
-            view.importerChanged(importer, environment.clock());
+            view.importerChanged(importer.state(), environment.clock());
     });
 
     ImportScheduler scheduler;
@@ -158,9 +159,9 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
         if (requested) importer.startImport();
         requested = false;
         // The panel shows the store at once, before the first run is over.
-        if (firstRequest) view.reload(importer, environment.clock());
+        if (firstRequest) view.reload(importer.state(), environment.clock());
         firstRequest = false;
-        if (importer.finishImportIfReady()) view.reload(importer, environment.clock());
+        if (importer.finishImportIfReady()) view.reload(importer.state(), environment.clock());
         if (resumedAfterStop || windowResized) {
             resumedAfterStop = 0;
             windowResized = 0;
@@ -177,8 +178,8 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     }
     // A run under way is completed, so that its results reach the store whole.
     importer.setObserver(nullptr);
-    if (importer.finishImport()) view.reload(importer, environment.clock());
-    view.finish();
+    if (importer.finishImport()) view.reload(importer.state(), environment.clock());
+    view.finish(environment.clock());
     return 0;
 }
 

@@ -32,10 +32,10 @@ int printHelp(const std::string& topic) {
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
+    const auto has = [&](const char* flag) {
+        return std::find(arguments.begin(), arguments.end(), flag) != arguments.end();
+    };
     if (arguments.empty() || arguments.front().rfind("-", 0) == 0) {
-        const auto has = [&](const char* flag) {
-            return std::find(arguments.begin(), arguments.end(), flag) != arguments.end();
-        };
         if (has("--version")) {
             std::puts("tallowen " TALLOWEN_VERSION);
             return 0;
@@ -46,7 +46,8 @@ int main(int argc, char** argv) {
     const std::string command = arguments.front();
     arguments.erase(arguments.begin());
     if (command == "help") return printHelp(arguments.empty() ? "tallowen" : arguments.front());
-    if (const auto found = commands.find(command); found != commands.end()) return found->second(arguments);
+    if (const auto found = commands.find(command); found != commands.end())
+        return has("--help") ? printHelp(command) : found->second(arguments);
     std::fprintf(stderr, "tallowen: unknown command: %s (see tallowen --help)\n", command.c_str());
     return 2;
 }

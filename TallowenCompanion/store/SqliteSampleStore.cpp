@@ -491,4 +491,20 @@ std::string SqliteSampleStore::insertDayRecord(const DayRecord& record) {
     });
 }
 
+Result<std::vector<UsageSample>> readStoredSamples(const std::filesystem::path& storeFile) {
+    return readStoredSamples(storeFile, [](SqliteSampleStore& store) { return store.fetchAll(); });
+}
+
+Result<std::vector<UsageSample>> readStoredSamples(
+    const std::filesystem::path& storeFile, const std::function<std::vector<UsageSample>(SqliteSampleStore&)>& fetch) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(storeFile, ignored)) return std::vector<UsageSample>{};
+    try {
+        SqliteSampleStore store(storeFile, SqliteSampleStore::Access::readOnly);
+        return fetch(store);
+    } catch (const StoreError& error) {
+        return failure(unreadableStoreText(error));
+    }
+}
+
 }  // namespace tallowen

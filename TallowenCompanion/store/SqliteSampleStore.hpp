@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/Result.hpp"
 #include "model/DayRecord.hpp"
 #include "store/SampleStore.hpp"
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -36,6 +38,10 @@ public:
     static constexpr const char* fileName = "store.sqlite";
 
     explicit SqliteSampleStore(std::filesystem::path path, Access access = Access::readWrite);
+    // The store of a support folder: `fileName` inside it.
+    static std::filesystem::path locationIn(const std::filesystem::path& supportFolder) {
+        return supportFolder / fileName;
+    }
     ~SqliteSampleStore() override;
     SqliteSampleStore(const SqliteSampleStore&) = delete;
     SqliteSampleStore& operator=(const SqliteSampleStore&) = delete;
@@ -88,5 +94,13 @@ private:
     bool schemaReady_ = false;
     std::map<std::string, sqlite3_stmt*, std::less<>> statements_;
 };
+
+// Every sample of the store file, read without changing it; none when the
+// file does not exist yet (looking creates no empty store). The failure is
+// the line shown to the user: "Store illisible : …".
+Result<std::vector<UsageSample>> readStoredSamples(const std::filesystem::path& storeFile);
+// The same, with `fetch` reading only what a short view needs.
+Result<std::vector<UsageSample>> readStoredSamples(
+    const std::filesystem::path& storeFile, const std::function<std::vector<UsageSample>(SqliteSampleStore&)>& fetch);
 
 }  // namespace tallowen
