@@ -188,6 +188,16 @@ void footer(Lines& out, const PanelFooter& footer, bool showsKeyHints) {
     out.add(padRight(importKey, displayWidth(importKey) + before) + padRight(importTime, room - before) + quitKey);
 }
 
+// Two texts on one line when they fit (the second flush right or just after
+// the first), else one below the other.
+void besideOrBelow(Lines& out, const std::string& left, const std::string& right, bool flushRight) {
+    if (displayWidth(left) + 2 + displayWidth(right) > out.width()) {
+        out.add(left);
+        return out.add(right);
+    }
+    out.add(flushRight ? spread(left, right, out.width()) : left + " " + right);
+}
+
 // Today, merged: the count and the tokens on one line, the cost beside them when it fits.
 void compactToday(Lines& out, const PanelToday& today) {
     const TerminalStyle& style = out.style();
@@ -196,12 +206,7 @@ void compactToday(Lines& out, const PanelToday& today) {
         style.paint(TextRole::primary, today.requestsText) + " " + style.paint(TextRole::secondary, today.requestsLabel) +
         " · " + style.paint(TextRole::primary, today.counter.text) + " " +
         style.paint(TextRole::secondary, today.tokensLabel);
-    const std::string cost = style.paint(TextRole::primary, today.costText);
-    if (displayWidth(figures) + 2 + displayWidth(cost) > out.width()) {
-        out.add(figures);
-        return out.add(cost);
-    }
-    out.add(spread(figures, cost, out.width()));
+    besideOrBelow(out, figures, style.paint(TextRole::primary, today.costText), true);
 }
 
 // The water texts beside the bottle at half its size, or on two lines without it.
@@ -213,7 +218,7 @@ void compactWater(Lines& out, const PanelToday& today, bool withBottle) {
         style.paint(TextRole::secondary, today.comparisonLine),
     };
     if (!withBottle) {
-        out.add(texts[0] + " " + texts[1]);
+        besideOrBelow(out, texts[0], texts[1], false);
         return out.add(texts[2]);
     }
     const auto bottle = bottleArtLines(halvedPixelRows(today.bottleRows));

@@ -98,6 +98,28 @@ TEST(PanelRendererTest, FullPanelFitsFortyEightColumnsInTheMenuOrder) {
     }
 }
 
+TEST(PanelRendererTest, CompactLayoutsKeepTheEssentialsWithinTheirColumns) {
+    const PanelFrame frame = fullFrame();
+    // The half-size bottle takes six lines and its texts beside it; without it
+    // they take two lines, or three when they do not fit one.
+    for (const auto& [columns, bottleLines] : {std::pair{40, 3}, std::pair{47, 4}}) {
+        size_t withBottle = 0;
+        for (const PanelLayout layout : {PanelLayout::compactWithBottle, PanelLayout::compact}) {
+            const auto lines = renderPanel(frame, true, TerminalStyle(false), layout, columns);
+            for (const std::string& line : lines) EXPECT_LE(displayWidth(line), columns) << line;
+            for (const char* kept : {"BRAIN FIRST._", "1234 RECOURS · 12345,7 M TOKENS", "au tarif API", "12 345 L",
+                                     "AU-DESSUS DE TA MOYENNE", "PERPLEXITY", "reset 59 min", "verrouillée", "[q] QUITTER"})
+                EXPECT_NE(indexOf(lines, kept), std::string::npos) << kept;
+            EXPECT_EQ(countOf(lines, "─"), 0);
+            EXPECT_LT(lines.size(), renderPanel(frame, true, TerminalStyle(false)).size());
+            if (layout == PanelLayout::compactWithBottle) withBottle = lines.size();
+            else EXPECT_EQ(lines.size() + bottleLines, withBottle);
+        }
+    }
+    EXPECT_EQ(renderPanel(frame, true, TerminalStyle(false), PanelLayout::tooNarrow, 39),
+              std::vector<std::string>{"Terminal too narrow: 39 columns, the panel needs 40."});
+}
+
 TEST(PanelRendererTest, CleaningViewReplacesThePanel) {
     PanelFrame frame = fullFrame();
     frame.cleaning = PanelCleaning{"NETTOYAGE DES MESURES", 0.37, "37 %", 0.37,
