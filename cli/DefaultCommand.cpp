@@ -1,5 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+
 #include "app/SupportFolderImporter.hpp"
 
 #include <cstdio>

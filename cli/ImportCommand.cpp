@@ -1,13 +1,12 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
-#include "app/SupportFolderImporter.hpp"
 
+#include "app/SupportFolderImporter.hpp"
 #include "import/ImportReportJson.hpp"
 #include "import/ImportReportText.hpp"
 
 #include <chrono>
-#include <cinttypes>
 #include <cstdio>
 #include <string>
 #include <thread>
