@@ -1,6 +1,7 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "ImportProgress.hpp"
+
 #include "app/SupportFolderImporter.hpp"
 
 #include <cstdio>

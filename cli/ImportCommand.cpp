@@ -2,8 +2,8 @@
 #include "Commands.hpp"
 #include "ImportProgress.hpp"
 #include "Options.hpp"
-#include "app/SupportFolderImporter.hpp"
 
+#include "app/SupportFolderImporter.hpp"
 #include "import/ImportReportJson.hpp"
 #include "import/ImportReportText.hpp"
 

@@ -1,10 +1,10 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
-#include "app/SupportFolderImporter.hpp"
 #include "WatchPanel.hpp"
 
 #include "app/ImportScheduler.hpp"
+#include "app/SupportFolderImporter.hpp"
 #include "store/SqliteSampleStore.hpp"
 
 #include <atomic>
