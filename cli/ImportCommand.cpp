@@ -1,126 +1,24 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "ImportProgress.hpp"
 #include "Options.hpp"
-#include "TerminalImporter.hpp"
 
-#include "base/JsonWriter.hpp"
+#include "app/SupportFolderImporter.hpp"
+#include "import/ImportReportJson.hpp"
+#include "import/ImportReportText.hpp"
 
-#include <chrono>
-#include <cinttypes>
 #include <cstdio>
 #include <string>
-#include <unistd.h>
 
 namespace tallowen::cli {
-namespace {
-
-// A line on the error output that is rewritten in place; only on a terminal.
-class ProgressLine {
-public:
-    explicit ProgressLine(bool enabled) : enabled_(enabled) {}
-    ~ProgressLine() { clear(); }
-
-    void show(const std::string& text) {
-        if (!enabled_) return;
-        std::fprintf(stderr, "\r\033[K%s", text.c_str());
-        std::fflush(stderr);
-        shown_ = true;
-    }
-    void clear() {
-        if (!shown_) return;
-        std::fputs("\r\033[K", stderr);
-        std::fflush(stderr);
-        shown_ = false;
-    }
-
-private:
-    bool enabled_;
-    bool shown_ = false;
-};
-
-// Why a request was dropped.
-std::string dropReason(ImportRunReport::Outcome outcome) {
-    if (outcome == ImportRunReport::Outcome::droppedOtherProcess)
-        return "another tallowen is importing into this data folder";
-    return "an import is already under way";
-}
-
-std::string jsonReport(const ImportRunReport& report) {
-    JsonWriter json;
-    json.beginObject();
-    json.key("outcome").string(report.dropped() ? "dropped" : "completed");
-    if (report.dropped()) json.key("reason").string(dropReason(report.outcome));
-    json.key("detectedTools").beginArray();
-    for (const UsageTool tool : report.detectedTools) json.string(rawValue(tool));
-    json.endArray();
-    json.key("samplesInserted").integer(report.samplesInserted);
-    json.key("samplesUpdated").integer(report.samplesUpdated);
-    json.key("samplesUnchanged").integer(report.samplesUnchanged);
-    json.key("duplicatesRemoved").integer(report.duplicatesRemoved);
-    json.key("filesRead").integer(report.filesRead);
-    json.key("filesReused").integer(report.filesReused);
-    json.key("elapsedSeconds").number(report.elapsedSeconds);
-    json.key("lastError");
-    if (report.lastError) json.string(*report.lastError);
-    else json.null();
-    json.endObject();
-    return json.take() + "\n";
-}
-
-std::string textReport(const ImportRunReport& report) {
-    if (report.dropped()) return "import dropped: " + dropReason(report.outcome) + "\n";
-    std::string text = "detected tools:";
-    for (size_t i = 0; i < report.detectedTools.size(); ++i) {
-        text += i == 0 ? " " : ", ";
-        text += rawValue(report.detectedTools[i]);
-    }
-    if (report.detectedTools.empty()) text += " none";
-    char line[256];
-    std::snprintf(line, sizeof line,
-                  "\nsamples: %" PRId64 " inserted, %" PRId64 " updated, %" PRId64 " unchanged\n"
-                  "duplicates removed: %" PRId64 "\n"
-                  "files: %" PRId64 " read, %" PRId64 " reused\n"
-                  "elapsed: %.2f s\n",
-                  report.samplesInserted, report.samplesUpdated, report.samplesUnchanged, report.duplicatesRemoved,
-                  report.filesRead, report.filesReused, report.elapsedSeconds);
-    text += line;
-    if (report.lastError) text += "lastError: " + *report.lastError + "\n";
-    return text;
-}
-
-// One run, with a progress line while the logs are read and the purge runs.
-ImportRunReport importWithProgress(UsageImporter& importer, ProgressLine& progress) {
-    importer.setObserver([&](ImporterProperty property) {
-        if (property != ImporterProperty::purgeProgress || !importer.purgeProgress()) return;
-        progress.show("removing duplicates… " + std::to_string(static_cast<int>(*importer.purgeProgress() * 100)) +
-                      "%");
-    });
-    const auto started = importer.startImport();
-    if (started != ImportRunReport::Outcome::completed) {
-        ImportRunReport dropped;
-        dropped.outcome = started;
-        return dropped;
-    }
-    const auto startedAt = std::chrono::steady_clock::now();
-    for (;;) {
-        // Woken as soon as the file work is back, not at the next tick.
-        if (auto report = importer.finishImportIfReady(std::chrono::milliseconds(50))) return *report;
-        const auto seconds =
-            std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - startedAt).count();
-        if (seconds >= 1) progress.show("reading the logs… " + std::to_string(seconds) + " s");
-    }
-}
-
-}  // namespace
 
 int runImportCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("import", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("import", arguments, {}, {"--json", "--quiet"});
+    if (!start) return reported(start.error());
     const ParsedOptions& options = start->options;
     const EngineEnvironment& environment = start->environment;
     const bool asJson = options.has("--json");
-    TerminalImporter terminal(environment);
+    SupportFolderImporter terminal(environment);
     // The console line of the purge must not break the JSON on the standard output.
     terminal.importer().setLogLine([asJson](const std::string& line) {
         std::FILE* stream = asJson ? stderr : stdout;
@@ -128,12 +26,9 @@ int runImportCommand(const std::vector<std::string>& arguments) {
         std::fflush(stream);
     });
 
-    ImportRunReport report;
-    {
-        ProgressLine progress(::isatty(STDERR_FILENO) == 1);
-        report = importWithProgress(terminal.importer(), progress);
-    }
-    const std::string text = asJson ? jsonReport(report) : textReport(report);
+    const ImportRunReport report =
+        importShowingProgress(terminal.importer(), progressLineWanted(options.has("--quiet")));
+    const std::string text = asJson ? importReportJson(report) + "\n" : importReportText(report);
     std::fwrite(text.data(), 1, text.size(), stdout);
     return report.lastError ? 1 : 0;
 }

@@ -4,8 +4,7 @@
 #include "BottleArt.hpp"
 #include "QuotaBarArt.hpp"
 #include "TextWidth.hpp"
-#include "summary/BottleBitmaps.hpp"
-#include "ui/MenuFormats.hpp"
+#include "ui/PanelLayout.hpp"
 
 #include <algorithm>
 
@@ -15,27 +14,40 @@ namespace {
 constexpr int quotaTitleColumns = 4;
 constexpr int quotaPercentColumns = 5;
 constexpr int quotaResetColumns = 12;
-constexpr int quotaBarColumns = panelWidth - quotaTitleColumns - 1 - quotaPercentColumns - 1 - quotaResetColumns;
 // The bottle's lines beside which the water texts stand.
 constexpr size_t bottleTextFirstLine = 4;
 constexpr int bottleColumnWidth = 16;
 
+// Lines of at most `width` columns. A compact panel has no room for blank
+// lines and separators: they are left out.
 class Lines {
 public:
-    explicit Lines(const TerminalStyle& style) : style_(style) {}
+    Lines(const TerminalStyle& style, int width, bool roomy) : style_(style), width_(width), roomy_(roomy) {}
 
     void add(std::string line) { lines_.push_back(std::move(line)); }
-    void blank() { lines_.emplace_back(); }
-    void paint(StyleRole role, std::string_view text) { add(style_.paint(role, text)); }
-    void wrapped(StyleRole role, std::string_view text) {
-        for (const std::string& line : wrapText(text, panelWidth)) paint(role, line);
+    void blank() {
+        if (roomy_) lines_.emplace_back();
+    }
+    void paint(TextRole role, std::string_view text) { add(style_.paint(role, text)); }
+    void wrapped(TextRole role, std::string_view text) {
+        for (const std::string& line : wrapText(text, width_)) paint(role, line);
+    }
+    // A title and its text on one line when they fit, else the title above the wrapped text.
+    void titled(std::string_view title, TextRole role, std::string_view text) {
+        if (displayWidth(title) + 1 + displayWidth(text) > width_) {
+            paint(TextRole::secondary, title);
+            return wrapped(role, text);
+        }
+        add(style_.paint(TextRole::secondary, title) + " " + style_.paint(role, text));
     }
     void separator() {
+        if (!roomy_) return;
         std::string rule;
-        for (int i = 0; i < panelWidth; ++i) rule += "─";
-        paint(StyleRole::secondary, rule);
+        for (int i = 0; i < width_; ++i) rule += "─";
+        paint(TextRole::secondary, rule);
     }
     const TerminalStyle& style() const { return style_; }
+    int width() const { return width_; }
 
     std::vector<std::string> take() {
         for (std::string& line : lines_)
@@ -45,163 +57,222 @@ public:
 
 private:
     const TerminalStyle& style_;
+    int width_;
+    bool roomy_;
     std::vector<std::string> lines_;
 };
 
-void titleBar(Lines& out, const PanelFrame& frame, bool importing) {
-    const std::string left = out.style().paint(StyleRole::accent, "■") + " " + out.style().paint(StyleRole::primary, frame.title);
-    if (importing) {
-        out.add(spread(left, out.style().paint(StyleRole::secondary, "import…"), panelWidth));
+void titleBar(Lines& out, const PanelFrame& frame) {
+    const std::string left =
+        out.style().paint(TextRole::accent, "■") + " " + out.style().paint(frame.title.role, frame.title.text);
+    if (frame.showsImportIndicator) {
+        out.add(spread(left, out.style().paint(TextRole::secondary, "import…"), out.width()));
     } else {
         out.add(left);
     }
     out.blank();
 }
 
-void todayBlock(Lines& out, const MenuModel& model, const PanelFrame& frame) {
+void todayBlock(Lines& out, const PanelToday& today) {
     const TerminalStyle& style = out.style();
-    out.paint(StyleRole::secondary, menu_text::todayTitle);
+    out.paint(TextRole::secondary, today.title);
 
-    const std::string counter = frame.tokenCounter.empty() ? model.todayTokensText : frame.tokenCounter;
     const std::string besideCount[bigDigitLineCount] = {
-        style.paint(StyleRole::secondary, menu_text::requestsLabel),
-        style.paint(StyleRole::primary, counter) + " " + style.paint(StyleRole::secondary, menu_text::tokensLabel),
+        style.paint(TextRole::secondary, today.requestsLabel),
+        style.paint(TextRole::primary, today.counter.text) + " " + style.paint(TextRole::secondary, today.tokensLabel),
         "",
     };
-    std::vector<std::string> big = bigDigitLines(model.todayRequestsText);
+    std::vector<std::string> big = bigDigitLines(today.requestsText);
     const int bigWidth = big.empty() ? 0 : displayWidth(big.front());
     if (big.empty() || bigWidth + 2 + displayWidth(besideCount[1]) > panelWidth) {
         // Too many digits for the pixel figures: the plain number.
-        big = {model.todayRequestsText, "", ""};
+        big = {today.requestsText, "", ""};
     }
     const int countColumns = std::max(displayWidth(big.front()), 2) + 2;
     for (int line = 0; line < bigDigitLineCount; ++line)
-        out.add(padRight(style.paint(StyleRole::primary, big[line]), countColumns) + besideCount[line]);
-    out.paint(StyleRole::primary, model.todayCostText);
+        out.add(padRight(style.paint(TextRole::primary, big[line]), countColumns) + besideCount[line]);
+    out.paint(TextRole::primary, today.costText);
     out.blank();
 }
 
-void waterBlock(Lines& out, const MenuModel& model) {
+void waterBlock(Lines& out, const PanelToday& today) {
     const TerminalStyle& style = out.style();
-    out.paint(StyleRole::secondary, menu_text::waterTitle);
-    const BottleBitmap& bitmap = bottleBitmap(model.level);
-    const std::vector<std::string> bottle = bottleArtLines(std::vector<std::string>(bitmap.begin(), bitmap.end()));
+    out.paint(TextRole::secondary, today.waterTitle);
+    const std::vector<std::string> bottle = bottleArtLines(today.bottleRows);
     const std::string texts[] = {
-        style.paint(StyleRole::primary, model.todayWaterText),
-        style.paint(StyleRole::secondary, model.waterEquivalentText),
-        style.paint(StyleRole::secondary, model.comparisonLine),
+        style.paint(TextRole::primary, today.waterText),
+        style.paint(TextRole::secondary, today.equivalentText),
+        style.paint(TextRole::secondary, today.comparisonLine),
     };
     for (size_t line = 0; line < bottle.size(); ++line) {
-        std::string row = padRight(" " + style.paint(StyleRole::accent, bottle[line]), bottleColumnWidth);
+        std::string row = padRight(" " + style.paint(TextRole::accent, bottle[line]), bottleColumnWidth);
         if (line >= bottleTextFirstLine && line - bottleTextFirstLine < std::size(texts))
             row += texts[line - bottleTextFirstLine];
         out.add(std::move(row));
     }
 }
 
-void toolRows(Lines& out, const MenuModel& model) {
-    if (model.toolRows.empty()) return;
+void toolRows(Lines& out, const PanelFrame& frame) {
+    if (frame.toolRows.empty()) return;
     out.blank();
-    for (const MenuToolRow& row : model.toolRows)
-        out.add(spread(out.style().paint(StyleRole::primary, row.label),
-                       out.style().paint(StyleRole::secondary, row.figuresText), panelWidth));
+    for (const PanelToolRow& row : frame.toolRows)
+        out.add(spread(out.style().paint(TextRole::primary, row.label),
+                       out.style().paint(TextRole::secondary, row.figuresText), out.width()));
 }
 
-void weekBlock(Lines& out, const MenuModel& model) {
+void weekBlock(Lines& out, const PanelWeek& week) {
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::weekTitle);
-    out.wrapped(StyleRole::primary, model.weekLine);
+    out.paint(TextRole::secondary, week.title);
+    out.wrapped(TextRole::primary, week.line);
 }
 
-void quotaSection(Lines& out, const MenuModel& model) {
-    if (model.quotaBlocks.empty()) return;
+void quotaBlocks(Lines& out, const std::optional<PanelQuotas>& quotas) {
+    if (!quotas) return;
     const TerminalStyle& style = out.style();
-    out.separator();
-    out.paint(StyleRole::secondary, menu_text::quotasTitle);
-    for (const MenuQuotaBlock& block : model.quotaBlocks) {
-        std::string header = style.paint(StyleRole::primary, block.label);
+    const int barColumns = out.width() - quotaTitleColumns - 1 - quotaPercentColumns - 1 - quotaResetColumns;
+    for (const PanelQuotaBlock& block : quotas->blocks) {
+        std::string header = style.paint(TextRole::primary, block.label);
         if (block.plan) {
             // A plan name of any length keeps the header on one line.
-            const int planColumns = panelWidth - displayWidth(block.label) - 1;
-            header += " " + style.paint(StyleRole::secondary, truncatedToWidth(*block.plan, planColumns));
+            const int planColumns = out.width() - displayWidth(block.label) - 1;
+            header += " " + style.paint(TextRole::secondary, truncatedToWidth(*block.plan, planColumns));
         }
         out.add(std::move(header));
-        for (const MenuQuotaBar& bar : block.bars) {
-            const StyleRole role = bar.warning ? StyleRole::warning : StyleRole::primary;
-            out.add(padRight(style.paint(StyleRole::secondary, bar.title), quotaTitleColumns) +
-                    style.paint(role, quotaBarArt(bar.percent, quotaBarColumns)) + " " +
-                    padLeft(style.paint(role, bar.percentText), quotaPercentColumns) + " " +
-                    padLeft(style.paint(StyleRole::secondary, bar.resetText.value_or("")), quotaResetColumns));
+        for (const PanelQuotaBar& bar : block.bars) {
+            out.add(padRight(style.paint(TextRole::secondary, bar.title), quotaTitleColumns) +
+                    style.paint(bar.role, quotaBarArt(bar.percent, barColumns)) + " " +
+                    padLeft(style.paint(bar.role, bar.percentText), quotaPercentColumns) + " " +
+                    padLeft(style.paint(TextRole::secondary, bar.resetText.value_or("")), quotaResetColumns));
         }
     }
 }
 
-void detectedTools(Lines& out, const MenuModel& model) {
+void quotaSection(Lines& out, const std::optional<PanelQuotas>& quotas) {
+    if (!quotas) return;
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::detectedToolsTitle);
-    out.wrapped(model.hasDetectedTools ? StyleRole::primary : StyleRole::secondary, model.detectedToolsText);
-    if (model.errorLine) out.wrapped(StyleRole::warning, *model.errorLine);
+    out.paint(TextRole::secondary, quotas->title);
+    quotaBlocks(out, quotas);
 }
 
-void footer(Lines& out, const MenuModel& model, const PanelFrame& frame) {
+void detectedTools(Lines& out, const PanelFrame& frame) {
+    out.separator();
+    out.paint(TextRole::secondary, frame.detectedTools.title);
+    out.wrapped(frame.detectedTools.role, frame.detectedTools.text);
+    if (frame.errorLine) out.wrapped(TextRole::warning, *frame.errorLine);
+}
+
+void footer(Lines& out, const PanelFooter& footer, bool showsKeyHints) {
     const TerminalStyle& style = out.style();
-    const std::string importTime = style.paint(StyleRole::secondary, model.lastImportText.value_or(""));
-    if (!frame.showsKeyHints) {
-        if (model.lastImportText) {
+    const std::string importTime = style.paint(TextRole::secondary, footer.lastImportText.value_or(""));
+    if (!showsKeyHints) {
+        if (footer.lastImportText) {
             out.blank();
-            out.add(padLeft(importTime, panelWidth));
+            out.add(padLeft(importTime, out.width()));
         }
         return;
     }
     out.separator();
-    const std::string importKey = style.paint(StyleRole::accent, "[i]") + " " +
-                                  style.paint(model.importButtonEnabled ? StyleRole::primary : StyleRole::secondary,
-                                              model.importButtonLabel);
-    const std::string quitKey = style.paint(StyleRole::accent, "[q]") + " " + style.paint(StyleRole::primary, menu_text::quitButton);
+    const std::string importKey =
+        style.paint(TextRole::accent, "[i]") + " " + style.paint(footer.importRole, footer.importLabel);
+    const std::string quitKey =
+        style.paint(TextRole::accent, "[q]") + " " + style.paint(TextRole::primary, footer.quitLabel);
     // The import time sits centred between the two keys.
     const int sides = displayWidth(importKey) + displayWidth(quitKey);
-    const int room = panelWidth - sides;
+    const int room = out.width() - sides;
     const int timeWidth = displayWidth(importTime);
     if (timeWidth + 2 > room) {
-        out.add(spread(importKey, quitKey, panelWidth));
+        out.add(spread(importKey, quitKey, out.width()));
         return;
     }
     const int before = (room - timeWidth) / 2;
     out.add(padRight(importKey, displayWidth(importKey) + before) + padRight(importTime, room - before) + quitKey);
 }
 
+// Two texts on one line when they fit (the second flush right or just after
+// the first), else one below the other.
+void besideOrBelow(Lines& out, const std::string& left, const std::string& right, bool flushRight) {
+    if (displayWidth(left) + 2 + displayWidth(right) > out.width()) {
+        out.add(left);
+        return out.add(right);
+    }
+    out.add(flushRight ? spread(left, right, out.width()) : left + " " + right);
+}
+
+// Today, merged: the count and the tokens on one line, the cost beside them when it fits.
+void compactToday(Lines& out, const PanelToday& today) {
+    const TerminalStyle& style = out.style();
+    out.paint(TextRole::secondary, today.title);
+    const std::string figures =
+        style.paint(TextRole::primary, today.requestsText) + " " + style.paint(TextRole::secondary, today.requestsLabel) +
+        " · " + style.paint(TextRole::primary, today.counter.text) + " " +
+        style.paint(TextRole::secondary, today.tokensLabel);
+    besideOrBelow(out, figures, style.paint(TextRole::primary, today.costText), true);
+}
+
+// The water texts beside the bottle at half its size, or on two lines without it.
+void compactWater(Lines& out, const PanelToday& today, bool withBottle) {
+    const TerminalStyle& style = out.style();
+    const std::string texts[] = {
+        style.paint(TextRole::secondary, today.waterTitle) + " " + style.paint(TextRole::primary, today.waterText),
+        style.paint(TextRole::secondary, today.equivalentText),
+        style.paint(TextRole::secondary, today.comparisonLine),
+    };
+    if (!withBottle) {
+        besideOrBelow(out, texts[0], texts[1], false);
+        return out.add(texts[2]);
+    }
+    const auto bottle = bottleArtLines(halvedPixelRows(today.bottleRows));
+    for (size_t line = 0; line < bottle.size(); ++line)
+        out.add(style.paint(TextRole::accent, bottle[line]) + "  " + (line < std::size(texts) ? texts[line] : ""));
+}
+
 }  // namespace
 
-CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale) {
-    return CountingText{model.todayTokens, [locale](int64_t n) { return tokenText(n, locale); },
-                        model.tokenRatePerSecond};
-}
-
-std::vector<std::string> renderPanel(const MenuModel& model, const PanelFrame& frame, const TerminalStyle& style) {
-    if (model.cleaning) return renderCleaningView(*model.cleaning, frame, style);
-    Lines out(style);
-    titleBar(out, frame, model.showsImportIndicator);
-    todayBlock(out, model, frame);
-    waterBlock(out, model);
-    toolRows(out, model);
-    weekBlock(out, model);
-    quotaSection(out, model);
-    detectedTools(out, model);
-    footer(out, model, frame);
+std::vector<std::string> renderPanel(const PanelFrame& frame, bool showsKeyHints, const TerminalStyle& style,
+                                     PanelLayout layout, int columns) {
+    if (layout == PanelLayout::tooNarrow) return {terminalTooNarrowText(columns)};
+    const bool roomy = layout == PanelLayout::full || frame.cleaning;
+    Lines out(style, layout == PanelLayout::full ? panelWidth : columns, roomy);
+    titleBar(out, frame);
+    if (const auto& cleaning = frame.cleaning) {
+        out.paint(TextRole::secondary, cleaning->title);
+        std::vector<std::string> big = bigDigitLines(cleaning->percentText);
+        if (big.empty()) big = {cleaning->percentText};
+        for (const std::string& line : big) out.paint(TextRole::primary, line);
+        out.paint(TextRole::primary, quotaBarArt(cleaning->barFraction * 100.0, out.width()));
+        out.wrapped(TextRole::secondary, cleaning->note);
+        return out.take();
+    }
+    if (roomy) {
+        todayBlock(out, frame.today);
+        waterBlock(out, frame.today);
+    } else {
+        compactToday(out, frame.today);
+        compactWater(out, frame.today, layout == PanelLayout::compactWithBottle);
+    }
+    toolRows(out, frame);
+    if (roomy) {
+        weekBlock(out, frame.week);
+        quotaSection(out, frame.quotas);
+        detectedTools(out, frame);
+    } else {
+        out.titled(frame.week.title, TextRole::primary, frame.week.line);
+        quotaBlocks(out, frame.quotas);
+        out.titled(frame.detectedTools.title, frame.detectedTools.role, frame.detectedTools.text);
+        if (frame.errorLine) out.wrapped(TextRole::warning, *frame.errorLine);
+    }
+    footer(out, frame.footer, showsKeyHints);
     return out.take();
 }
 
-std::vector<std::string> renderCleaningView(const MenuCleaningView& cleaning, const PanelFrame& frame,
-                                            const TerminalStyle& style) {
-    Lines out(style);
-    titleBar(out, frame, false);
-    out.paint(StyleRole::secondary, menu_text::cleaningTitle);
-    std::vector<std::string> big = bigDigitLines(cleaning.percentText);
-    if (big.empty()) big = {cleaning.percentText};
-    for (const std::string& line : big) out.paint(StyleRole::primary, line);
-    out.paint(StyleRole::primary, quotaBarArt(cleaning.barFraction * 100.0, panelWidth));
-    out.wrapped(StyleRole::secondary, menu_text::cleaningNote);
-    return out.take();
+std::vector<std::string> fittedPanel(const PanelFrame& frame, bool showsKeyHints, const TerminalStyle& style,
+                                     const std::optional<TerminalExtent>& terminal, bool cutToRows) {
+    const auto drawnIn = [&](PanelLayout layout) {
+        return renderPanel(frame, showsKeyHints, style, layout, panelColumns(layout, terminal));
+    };
+    const auto lines = drawnIn(choosePanelLayout(
+        terminal, [&](PanelLayout candidate) { return static_cast<int>(drawnIn(candidate).size()); }));
+    return terminal && cutToRows ? linesWithinRows(lines, terminal->rows, showsKeyHints) : lines;
 }
 
 std::string joinedLines(const std::vector<std::string>& lines) {

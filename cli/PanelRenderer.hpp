@@ -1,9 +1,10 @@
 #pragma once
 
 #include "TerminalStyle.hpp"
-#include "ui/CountingText.hpp"
-#include "ui/LocaleFormatter.hpp"
-#include "ui/MenuModel.hpp"
+#include "ui/PanelFrame.hpp"
+#include "ui/PanelLayout.hpp"
+
+#include <optional>
 
 #include <string>
 #include <vector>
@@ -13,32 +14,22 @@ namespace tallowen::cli {
 // The whole panel fits this many terminal columns.
 inline constexpr int panelWidth = 48;
 
-// What changes between two drawings of the same model: the animated title and
-// the climbing token counter, and whether the keys of `watch` are shown.
-struct PanelFrame {
-    // The typed title with its cursor: "TALLOWEN_".
-    std::string title = "TALLOWEN_";
-    // The counter's current text; the model's token text when empty.
-    std::string tokenCounter;
-    bool showsKeyHints = false;
-};
-
-// The menu's token counter for a model: today's tokens, the token format,
-// the model's pace.
-CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale);
-
 // The panel as lines of at most `panelWidth` columns, top to bottom: title,
 // today (big request count, tokens, cost, water with the bottle and the
 // comparison), tools of the day, week, quotas, detected tools, the last
-// import and, in `watch`, the keys. While the duplicate purge runs, the
-// cleaning view instead. The Mac application's cloud lines, its sync and
-// relaunch commands, launch at login and the update check are left out.
-std::vector<std::string> renderPanel(const MenuModel& model, const PanelFrame& frame, const TerminalStyle& style);
+// import and, in `watch`, the keys. While the purge runs, the title and the
+// cleaning card instead. The frame's cloud lines, launch at login and update
+// check have no place in a terminal.
+// A compact layout spreads over `columns` and merges the rows; under the
+// narrowest width one line says the terminal is too narrow.
+std::vector<std::string> renderPanel(const PanelFrame& frame, bool showsKeyHints, const TerminalStyle& style,
+                                     PanelLayout layout = PanelLayout::full, int columns = panelWidth);
 
-// The cleaning view alone: title, "NETTOYAGE DES MESURES", the percentage,
-// the bar and the note.
-std::vector<std::string> renderCleaningView(const MenuCleaningView& cleaning, const PanelFrame& frame,
-                                            const TerminalStyle& style);
+// The panel laid out for the terminal `terminal` (none: output to a pipe or
+// a file, which gets the full panel), drawing each layout the engine asks
+// about; with `cutToRows` no taller than the terminal.
+std::vector<std::string> fittedPanel(const PanelFrame& frame, bool showsKeyHints, const TerminalStyle& style,
+                                     const std::optional<TerminalExtent>& terminal, bool cutToRows);
 
 // The lines joined, each ended by a newline.
 std::string joinedLines(const std::vector<std::string>& lines);

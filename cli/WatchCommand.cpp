@@ -1,10 +1,11 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "Options.hpp"
-#include "TerminalImporter.hpp"
 #include "WatchPanel.hpp"
 
 #include "app/ImportScheduler.hpp"
+#include "app/SupportFolderImporter.hpp"
+#include "store/SqliteSampleStore.hpp"
 
 #include <atomic>
 #include <csignal>
@@ -31,6 +32,8 @@ volatile std::sig_atomic_t leavesAlternateScreen = 0;
 // the process resumes after Ctrl-Z.
 termios settingsInWatch{};
 volatile std::sig_atomic_t resumedAfterStop = 0;
+// The window was resized: the panel is laid out and drawn anew.
+volatile std::sig_atomic_t windowResized = 0;
 
 // Puts the terminal back as the user had it.
 void handTerminalBack() {
@@ -89,6 +92,8 @@ extern "C" void requestStop(int signal) {
 
 extern "C" void endAtOnce(int signal) { handTerminalBackAndEnd(signal); }
 
+extern "C" void noteResize(int) { windowResized = 1; }
+
 // Ctrl-C and SIGTERM ask the loop to stop, a second one ends the process. A
 // closed output (the reader of `watch | head` gone) and the quit key end it
 // at once. Either way the terminal is handed back first; so it is when Ctrl-Z
@@ -99,6 +104,7 @@ void installStopHandlers() {
     setHandler(SIGPIPE, endAtOnce);
     setHandler(SIGQUIT, endAtOnce);
     setHandler(SIGTSTP, suspend);
+    setHandler(SIGWINCH, noteResize);
 }
 
 // From now on a forced stop puts `keys`' settings back and leaves the
@@ -123,13 +129,12 @@ void sleepBriefly() {
 }  // namespace
 
 int runWatchCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("watch", arguments, {"--home", "--data"}, {}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("watch", arguments, {}, {});
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
     installStopHandlers();
 
-    TerminalImporter terminal(environment);
+    SupportFolderImporter terminal(environment);
     UsageImporter& importer = terminal.importer();
     // Console lines of the engine would break the panel drawn in place.
     importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
@@ -137,12 +142,13 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     WatchKeys keys;
     const bool outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     restoreTerminalOnForcedStop(keys, outputIsTerminal);
-    WatchPanelView view(environment, LocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
-                        environment.clock());
-    // The purge runs inside the end of a run: its progress is drawn as it is published.
+    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    PanelSession session(locale, environment.calendar, PanelOptions{}, environment.clock());
+    WatchPanelView view(session, SqliteSampleStore::locationIn(environment.supportFolder), stdout, outputIsTerminal,
+                        keys.active());
     importer.setObserver([&](ImporterProperty property) {
         if (property == ImporterProperty::isImporting || property == ImporterProperty::purgeProgress)
-            view.importerChanged(importer, environment.clock());
+            view.importerChanged(importer.state(), environment.clock());
     });
 
     ImportScheduler scheduler;
@@ -153,11 +159,12 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
         if (requested) importer.startImport();
         requested = false;
         // The panel shows the store at once, before the first run is over.
-        if (firstRequest) view.reload(importer, environment.clock());
+        if (firstRequest) view.reload(importer.state(), environment.clock());
         firstRequest = false;
-        if (importer.finishImportIfReady()) view.reload(importer, environment.clock());
-        if (resumedAfterStop) {
+        if (importer.finishImportIfReady()) view.reload(importer.state(), environment.clock());
+        if (resumedAfterStop || windowResized) {
             resumedAfterStop = 0;
+            windowResized = 0;
             view.redrawWhole();
         }
         view.animate(environment.clock());
@@ -171,8 +178,8 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     }
     // A run under way is completed, so that its results reach the store whole.
     importer.setObserver(nullptr);
-    if (importer.finishImport()) view.reload(importer, environment.clock());
-    view.finish();
+    if (importer.finishImport()) view.reload(importer.state(), environment.clock());
+    view.finish(environment.clock());
     return 0;
 }
 

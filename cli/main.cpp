@@ -1,48 +1,53 @@
 #include "Commands.hpp"
+#include "HelpText.hpp"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr const char* usageText =
-    "usage: tallowen [COMMAND] [OPTIONS]\n"
-    "\n"
-    "  (none)    import, then draw the panel once\n"
-    "  scan      read the logs and print the per-day figures (--json)\n"
-    "  import    one import into the store (--json)\n"
-    "  days      the stored per-day records (--since DAY --until DAY --tool RAW --json)\n"
-    "  watch     import every 15 seconds and redraw the panel\n"
-    "  panel     draw the panel from the store, without importing\n"
-    "  summary   the panel's figures and texts as JSON (--json)\n"
-    "\n"
-    "common options: --home DIR (default $HOME), --data DIR (the data folder)\n";
+using Command = int (*)(const std::vector<std::string>&);
+
+const std::map<std::string, Command, std::less<>> commands = {
+    {"scan", tallowen::cli::runScanCommand},       {"import", tallowen::cli::runImportCommand},
+    {"days", tallowen::cli::runDaysCommand},       {"history", tallowen::cli::runHistoryCommand},
+    {"statusline", tallowen::cli::runStatusLineCommand}, {"watch", tallowen::cli::runWatchCommand},
+    {"panel", tallowen::cli::runPanelCommand},     {"summary", tallowen::cli::runSummaryCommand},
+};
+
+int printHelp(const std::string& topic) {
+    const auto text = tallowen::cli::helpText(topic);
+    if (!text) {
+        std::fprintf(stderr, "tallowen: help: no command named %s (see tallowen --help)\n", topic.c_str());
+        return 2;
+    }
+    std::fwrite(text->data(), 1, text->size(), stdout);
+    return 0;
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (arguments.empty() || arguments.front().rfind("--", 0) == 0) {
-        if (!arguments.empty() && (arguments.front() == "--help")) {
-            std::fputs(usageText, stdout);
+    const auto has = [&](const char* flag) {
+        return std::find(arguments.begin(), arguments.end(), flag) != arguments.end();
+    };
+    if (arguments.empty() || arguments.front().rfind("-", 0) == 0) {
+        if (has("--version")) {
+            std::puts("tallowen " TALLOWEN_VERSION);
             return 0;
         }
+        if (has("--help") || has("-h")) return printHelp("tallowen");
         return tallowen::cli::runDefaultCommand(arguments);
     }
     const std::string command = arguments.front();
     arguments.erase(arguments.begin());
-    if (command == "scan") return tallowen::cli::runScanCommand(arguments);
-    if (command == "import") return tallowen::cli::runImportCommand(arguments);
-    if (command == "days") return tallowen::cli::runDaysCommand(arguments);
-    if (command == "watch") return tallowen::cli::runWatchCommand(arguments);
-    if (command == "panel") return tallowen::cli::runPanelCommand(arguments);
-    if (command == "summary") return tallowen::cli::runSummaryCommand(arguments);
-    if (command == "help" || command == "-h") {
-        std::fputs(usageText, stdout);
-        return 0;
-    }
+    if (command == "help") return printHelp(arguments.empty() ? "tallowen" : arguments.front());
+    if (const auto found = commands.find(command); found != commands.end())
+        return has("--help") ? printHelp(command) : found->second(arguments);
     std::fprintf(stderr, "tallowen: unknown command: %s (see tallowen --help)\n", command.c_str());
     return 2;
 }

@@ -1,6 +1,8 @@
 #include "import/DuplicatePurge.hpp"
 
 #include <algorithm>
+#include <exception>
+#include <memory>
 #include <optional>
 
 namespace tallowen {
@@ -50,12 +52,8 @@ std::set<std::string> allStoredKeys(SampleStore& store, int64_t recordCount, int
     return keys;
 }
 
-}  // namespace
-
-std::string sampleKey(const std::string& dayKey, const std::string& tool) { return dayKey + "|" + tool; }
-
-int64_t purgeDuplicates(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress,
-                        int64_t pageSize) {
+int64_t purgeStore(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress,
+                   int64_t pageSize) {
     const auto runKeyCount = static_cast<int64_t>(runKeys.size());
     if (runKeyCount >= store.count()) return 0;
 
@@ -70,22 +68,22 @@ int64_t purgeDuplicates(SampleStore& store, const std::set<std::string>& runKeys
     return deleted;
 }
 
-PurgeOutcome runOneTimePurge(SampleStore& store, SettingsStore& settings, const std::set<std::string>& runKeys,
-                             const PurgeProgress& progress, const LogLine& log) {
-    PurgeOutcome outcome;
-    if (settings.boolValue(purgeDoneSettingsKey)) return outcome;
-    outcome.ran = true;
-    if (progress) progress(0);
+}  // namespace
+
+std::string sampleKey(const std::string& dayKey, const std::string& tool) { return dayKey + "|" + tool; }
+
+Result<int64_t> purgeDuplicates(const SampleStoreOpener& openStore, const std::set<std::string>& runKeys,
+                                const PurgeProgress& progress, int64_t pageSize) {
     try {
-        outcome.deleted = purgeDuplicates(store, runKeys, progress);
-    } catch (const StoreError& error) {
-        outcome.error = std::string("Nettoyage des doublons : ") + error.what();
-        return outcome;
+        const std::unique_ptr<SampleStore> store = openStore();
+        return purgeStore(*store, runKeys, progress, pageSize);
+    } catch (const std::exception& error) {
+        return failure(std::string("Nettoyage des doublons : ") + error.what());
     }
-    settings.setBool(purgeDoneSettingsKey, true);
-    if (outcome.deleted > 0 && log)
-        log("TallowenCompanion: " + std::to_string(outcome.deleted) + " doublon(s) supprimé(s)");
-    return outcome;
+}
+
+std::string purgeLogLine(int64_t deleted) {
+    return "TallowenCompanion: " + std::to_string(deleted) + " doublon(s) supprimé(s)";
 }
 
 }  // namespace tallowen

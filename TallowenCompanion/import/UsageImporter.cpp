@@ -7,8 +7,8 @@
 #include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 
+#include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <exception>
 #include <set>
 
@@ -21,13 +21,34 @@ struct UsageImporter::FileWork {
     std::optional<std::string> failure;
 };
 
-// Members are destroyed last to first: the file work is waited for before
-// the lock is let go.
+// Members are destroyed last to first: the purge and the file work are
+// waited for before what they use and the lock are let go.
 struct UsageImporter::RunInProgress {
+    RunInProgress(SupportFolderLock heldLock, ToolResults activity, std::shared_ptr<ScanProgress> reading,
+                  std::future<FileWork> files)
+        : lock(std::move(heldLock)),
+          activityResults(std::move(activity)),
+          progress(std::move(reading)),
+          fileWork(std::move(files)) {}
+
     SupportFolderLock lock;
     ToolResults activityResults;
+    // Shared with the file work's thread, which writes it while the shell reads.
+    std::shared_ptr<ScanProgress> progress;
     std::future<FileWork> fileWork;
     std::chrono::steady_clock::time_point startedAt = std::chrono::steady_clock::now();
+
+    // Once the file work is back.
+    bool filesRead = false;
+    ToolResults results;
+    std::vector<UsageTool> detected;
+    ImportRunReport report;
+    std::unique_ptr<SampleStore> store;
+
+    // The purge's latest fraction, written by its thread and read here: the
+    // only value the two threads share.
+    std::atomic<double> purgeFraction{0};
+    std::future<Result<int64_t>> purge;
 };
 
 namespace {
@@ -43,7 +64,8 @@ std::set<std::string> sampleKeysOf(const ToolResults& results) {
 
 UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& homeFolder,
                                                   const std::filesystem::path& supportFolder, LocalCalendar calendar,
-                                                  const LogReading& readLogs) {
+                                                  const LogReading& readLogs,
+                                                  std::shared_ptr<ScanProgress> progress) {
     FileWork work;
     try {
         const ImportStateFile stateFile(supportFolder);
@@ -51,7 +73,9 @@ UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& h
         const CursorDayCacheFile cursorFile(supportFolder);
         std::optional<CursorDayCache> cursorCache = cursorFile.load();
         const auto cursorStamps = cursorStampsOf(cursorCache);
-        work.logs = readLogs(homeFolder, state.files, cursorCache, calendar, ScanSettings{});
+        ScanSettings settings;
+        settings.progress = progress.get();
+        work.logs = readLogs(homeFolder, state.files, cursorCache, calendar, settings);
         // Only a file read renews an entry: with none, the state on disk is the
         // one loaded. A failed save only makes the next run read every file again.
         if (work.logs.counters.filesRead > 0) stateFile.save(state);
@@ -70,10 +94,6 @@ UsageImporter::UsageImporter(EngineEnvironment environment, SampleStoreOpener op
       settings_(settings),
       activity_(activity),
       readLogs_(std::move(readLogs)),
-      logLine_([](const std::string& line) {
-          std::fputs((line + "\n").c_str(), stdout);
-          std::fflush(stdout);
-      }),
       lastImport_(settings.dateValue(lastImportSettingsKey)) {}
 
 // A run still under way is waited for (its file work holds no engine state)
@@ -87,28 +107,28 @@ ImportRunReport::Outcome UsageImporter::startImport() {
     SupportFolderLock lock = SupportFolderLock::tryAcquire(environment_.supportFolder);
     // A folder where no lock can be taken is one where no other process can
     // import either; the run goes on and meets the folder's faults itself.
-    if (lock.status() == SupportFolderLock::Status::busy) return ImportRunReport::Outcome::droppedOtherProcess;
+    lastRequestDroppedElsewhere_ = lock.status() == SupportFolderLock::Status::busy;
+    if (lastRequestDroppedElsewhere_) return ImportRunReport::Outcome::droppedOtherProcess;
 
     isImporting_ = true;
     publish(ImporterProperty::isImporting);
     setLastError(std::nullopt);
     ToolResults activityResults = activity_.dayUsage(environment_.calendar);
 
+    auto progress = std::make_shared<ScanProgress>();
     auto fileWork = std::async(std::launch::async, doFileWork, environment_.homeFolder,
-                               environment_.supportFolder, environment_.calendar, readLogs_);
-    run_ = std::make_unique<RunInProgress>(
-        RunInProgress{std::move(lock), std::move(activityResults), std::move(fileWork)});
+                               environment_.supportFolder, environment_.calendar, readLogs_, progress);
+    run_ = std::make_unique<RunInProgress>(std::move(lock), std::move(activityResults), std::move(progress),
+                                           std::move(fileWork));
     return ImportRunReport::Outcome::completed;
 }
 
-std::optional<ImportRunReport> UsageImporter::finishImportIfReady(std::chrono::milliseconds wait) {
-    if (!run_ || run_->fileWork.wait_for(wait) != std::future_status::ready) return std::nullopt;
-    return finishImport();
-}
+std::optional<ImportRunReport> UsageImporter::finishImportIfReady() { return advance(false); }
 
-std::optional<ImportRunReport> UsageImporter::finishImport() {
-    if (!run_) return std::nullopt;
-    return complete(run_->fileWork.get());
+std::optional<ImportRunReport> UsageImporter::finishImport() { return advance(true); }
+
+const ScanProgress* UsageImporter::scanProgress() const {
+    return run_ && !run_->filesRead ? run_->progress.get() : nullptr;
 }
 
 ImportRunReport UsageImporter::runImport() {
@@ -121,24 +141,72 @@ ImportRunReport UsageImporter::runImport() {
     return *finishImport();
 }
 
-ImportRunReport UsageImporter::complete(FileWork work) {
-    ImportRunReport report;
-    if (work.failure) logLine_("TallowenCompanion: " + *work.failure);
-    report.filesRead = work.logs.counters.filesRead;
-    report.filesReused = work.logs.counters.filesReused;
-    ToolResults results = std::move(work.logs.results);
-    std::vector<UsageTool> detected = std::move(work.logs.detected);
+std::optional<ImportRunReport> UsageImporter::advance(bool wait) {
+    constexpr auto pollInterval = std::chrono::milliseconds(40);
+    if (!run_) return std::nullopt;
+    if (!run_->filesRead) {
+        if (!wait && run_->fileWork.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return std::nullopt;
+        filesRead(run_->fileWork.get());
+    }
+    if (run_->purge.valid()) {
+        for (;;) {
+            const bool done = run_->purge.wait_for(wait ? pollInterval : std::chrono::milliseconds(0)) ==
+                              std::future_status::ready;
+            const double fraction = run_->purgeFraction.load(std::memory_order_relaxed);
+            if (purgeProgress_ != fraction) setPurgeProgress(fraction);
+            if (done) break;
+            if (!wait) return std::nullopt;
+        }
+        purgeFinished(run_->purge.get());
+    }
+    return complete();
+}
 
-    std::unique_ptr<SampleStore> store;
+void UsageImporter::filesRead(FileWork work) {
+    RunInProgress& run = *run_;
+    run.filesRead = true;
+    if (work.failure && logLine_) logLine_("TallowenCompanion: " + *work.failure);
+    run.report.filesRead = work.logs.counters.filesRead;
+    run.report.filesReused = work.logs.counters.filesReused;
+    run.results = std::move(work.logs.results);
+    run.detected = std::move(work.logs.detected);
+
     try {
-        store = openStore_();
+        run.store = openStore_();
     } catch (const std::exception& error) {
         setLastError(unreadableStoreText(error));
+        return;
     }
+    // Once done, the purge is skipped without a word to the observers.
+    if (settings_.boolValue(purgeDoneSettingsKey)) return;
+    setPurgeProgress(0.0);
+    run.purge = std::async(std::launch::async, [openStore = openStore_, keys = sampleKeysOf(run.results),
+                                                fraction = &run.purgeFraction] {
+        return purgeDuplicates(openStore, keys,
+                               [fraction](double done) { fraction->store(done, std::memory_order_relaxed); });
+    });
+}
 
-    if (store) runPurge(*store, results, report);
+void UsageImporter::purgeFinished(const Result<int64_t>& purged) {
+    if (!purged) {
+        setLastError(purged.error());
+    } else {
+        settings_.setBool(purgeDoneSettingsKey, true);
+        if (*purged > 0) {
+            addChecked(run_->report.duplicatesRemoved, *purged);
+            if (lastError_) setLastError(std::nullopt);
+            if (logLine_) logLine_(purgeLogLine(*purged));
+        }
+    }
+    setPurgeProgress(std::nullopt);
+}
 
-    for (auto& [tool, days] : run_->activityResults) {
+ImportRunReport UsageImporter::complete() {
+    RunInProgress& run = *run_;
+    ImportRunReport report = std::move(run.report);
+    ToolResults results = std::move(run.results);
+    std::vector<UsageTool> detected = std::move(run.detected);
+    for (auto& [tool, days] : run.activityResults) {
         if (days.empty()) continue;
         results[tool] = std::move(days);
         detected.push_back(tool);
@@ -146,9 +214,9 @@ ImportRunReport UsageImporter::complete(FileWork work) {
     detectedTools_ = detected;
     publish(ImporterProperty::detectedTools);
 
-    if (store) {
+    if (run.store) {
         try {
-            const SampleWriteOutcome written = writeSamples(*store, results, environment_.clock());
+            const SampleWriteOutcome written = writeSamples(*run.store, results, environment_.clock());
             report.samplesInserted = written.inserted;
             report.samplesUpdated = written.updated;
             report.samplesUnchanged = written.unchanged;
@@ -164,32 +232,16 @@ ImportRunReport UsageImporter::complete(FileWork work) {
     settings_.setDate(lastImportSettingsKey, now);
     publish(ImporterProperty::lastImport);
 
-    if (store) recomputeTodayFigures(*store, now);
+    if (run.store) recomputeTodayFigures(*run.store, now);
 
-    store.reset();
     report.detectedTools = detectedTools_;
     report.lastError = lastError_;
-    report.elapsedSeconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - run_->startedAt).count();
+    report.elapsedSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - run.startedAt).count();
     run_.reset();
+    hasCompletedRun_ = true;
     isImporting_ = false;
     publish(ImporterProperty::isImporting);
     return report;
-}
-
-void UsageImporter::runPurge(SampleStore& store, const ToolResults& readerResults, ImportRunReport& report) {
-    // Once done, the purge is skipped without a word to the observers.
-    if (settings_.boolValue(purgeDoneSettingsKey)) return;
-    const PurgeOutcome purge = runOneTimePurge(
-        store, settings_, sampleKeysOf(readerResults), [this](double fraction) { setPurgeProgress(fraction); },
-        logLine_);
-    if (purge.error) {
-        setLastError(purge.error);
-    } else if (purge.deleted > 0) {
-        addChecked(report.duplicatesRemoved, purge.deleted);
-        if (lastError_) setLastError(std::nullopt);
-    }
-    setPurgeProgress(std::nullopt);
 }
 
 void UsageImporter::recomputeTodayFigures(SampleStore& store, Date now) {
@@ -211,6 +263,18 @@ void UsageImporter::recomputeTodayFigures(SampleStore& store, Date now) {
     assignIfChanged(todaySessions_, sessions, ImporterProperty::todaySessions);
     assignIfChanged(todayTokens_, tokens, ImporterProperty::todayTokens);
     assignIfChanged(todayCostCents_, costCents, ImporterProperty::todayCostCents);
+}
+
+ImporterState UsageImporter::state() const {
+    return ImporterState{isImporting_,   lastImport_,   lastError_, detectedTools_,
+                         purgeProgress_, !hasCompletedRun_ && lastRequestDroppedElsewhere_};
+}
+
+ImporterState storedImporterState(const SettingsStore& settings) {
+    ImporterState state;
+    state.lastImport = settings.dateValue(lastImportSettingsKey);
+    state.detectedToolsFromStore = true;
+    return state;
 }
 
 void UsageImporter::publish(ImporterProperty property) const {

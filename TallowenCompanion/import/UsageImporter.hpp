@@ -5,10 +5,10 @@
 #include "model/SettingsStore.hpp"
 #include "import/DuplicatePurge.hpp"
 #include "import/ImportRunReport.hpp"
+#include "import/ImporterState.hpp"
 #include "readers/UsageReaders.hpp"
 #include "store/SampleStore.hpp"
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <future>
@@ -33,8 +33,6 @@ enum class ImporterProperty {
     purgeProgress,
 };
 
-// Opens the sample store for one run; throws StoreError when it cannot.
-using SampleStoreOpener = std::function<std::unique_ptr<SampleStore>()>;
 // The log readers' pass over a home folder (readAllLogs outside tests).
 using LogReading = std::function<LogReadOutcome(const std::filesystem::path& homeFolder, FileEntries& files,
                                                 std::optional<CursorDayCache>& cursorCache, const LocalCalendar&,
@@ -46,8 +44,10 @@ using LogReading = std::function<LogReadOutcome(const std::filesystem::path& hom
 //
 // Everything here is called on one thread (the main thread). The file work
 // of a run (the import state file and the logs) runs on one background thread
-// and comes back as a value when the caller finishes the run; nothing is
-// shared with that thread while it works.
+// and comes back as a value; then the one-time purge, when it has not
+// completed yet, runs on a thread of its own with a store of its own while
+// its progress comes back as a plain value, and the samples are written only
+// once it has finished. Nothing else is shared with those threads.
 class UsageImporter {
 public:
     UsageImporter(EngineEnvironment environment, SampleStoreOpener openStore, SettingsStore& settings,
@@ -60,17 +60,21 @@ public:
     // while a run is under way, here or in another process on the same
     // support folder, is dropped: nothing changes and the outcome says why.
     ImportRunReport::Outcome startImport();
-    // Completes the run once its file work is back, waiting for it at most
-    // `wait`; nothing while that work is still going on or when no run is under way.
-    std::optional<ImportRunReport> finishImportIfReady(std::chrono::milliseconds wait = {});
-    // Completes the run under way, waiting for its file work.
+    // Moves the run on without waiting: starts the purge once the file work
+    // is back, publishes its progress, and completes the run once it has
+    // finished. The report when the run completed; nothing while it is still
+    // going on or when no run is under way. Call it often: the purge's
+    // progress is published from here.
+    std::optional<ImportRunReport> finishImportIfReady();
+    // Completes the run under way, waiting for its file work and its purge
+    // (whose progress is published meanwhile).
     std::optional<ImportRunReport> finishImport();
     // A whole run: start, then finish. A dropped request gives a report that says so.
     ImportRunReport runImport();
 
     // Called after every assignment of a published property.
     void setObserver(std::function<void(ImporterProperty)> observer) { observer_ = std::move(observer); }
-    // Where console lines ("TallowenCompanion: …") go; the standard output by default.
+    // Where console lines ("TallowenCompanion: …") go; nowhere unless a shell asks.
     void setLogLine(LogLine logLine) { logLine_ = std::move(logLine); }
 
     bool isImporting() const { return isImporting_; }
@@ -81,6 +85,11 @@ public:
     int64_t todayTokens() const { return todayTokens_; }
     int64_t todayCostCents() const { return todayCostCents_; }
     std::optional<double> purgeProgress() const { return purgeProgress_; }
+    // The published properties together, for a panel.
+    ImporterState state() const;
+    // How far the reading of the run under way has come, for a shell that
+    // shows progress while it waits; nothing when no run is reading.
+    const ScanProgress* scanProgress() const;
 
 private:
     struct FileWork;
@@ -88,9 +97,12 @@ private:
 
     // Runs on the background thread: touches nothing of the engine.
     static FileWork doFileWork(const std::filesystem::path& homeFolder, const std::filesystem::path& supportFolder,
-                               LocalCalendar calendar, const LogReading& readLogs);
-    ImportRunReport complete(FileWork work);
-    void runPurge(SampleStore& store, const ToolResults& readerResults, ImportRunReport& report);
+                               LocalCalendar calendar, const LogReading& readLogs,
+                               std::shared_ptr<ScanProgress> progress);
+    std::optional<ImportRunReport> advance(bool wait);
+    void filesRead(FileWork work);
+    void purgeFinished(const Result<int64_t>& purged);
+    ImportRunReport complete();
     void recomputeTodayFigures(SampleStore& store, Date now);
 
     void publish(ImporterProperty property) const;
@@ -116,6 +128,12 @@ private:
     std::optional<double> purgeProgress_;
 
     std::unique_ptr<RunInProgress> run_;
+    bool hasCompletedRun_ = false;
+    bool lastRequestDroppedElsewhere_ = false;
 };
+
+// The importer's state for a panel when no import runs in this process: the
+// last import from the settings, the detected tools from the store.
+ImporterState storedImporterState(const SettingsStore& settings);
 
 }  // namespace tallowen

@@ -38,4 +38,12 @@ std::optional<Date> dateOfDayKey(std::string_view key, const LocalCalendar& cale
                                static_cast<int>(numbers[2]));
 }
 
+bool isCalendarDayKey(std::string_view text, const LocalCalendar& calendar) {
+    if (text.size() != 10 || text[4] != '-' || text[7] != '-') return false;
+    for (size_t i = 0; i < text.size(); ++i)
+        if (i != 4 && i != 7 && (text[i] < '0' || text[i] > '9')) return false;
+    const auto date = dateOfDayKey(text, calendar);
+    return date && dayKey(*date, calendar) == text;
+}
+
 }  // namespace tallowen

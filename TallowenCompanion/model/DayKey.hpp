@@ -17,4 +17,8 @@ std::string dayKey(int year, int month, int day);
 // integers between its hyphens (empty pieces and non-integers are dropped).
 std::optional<Date> dateOfDayKey(std::string_view key, const LocalCalendar& calendar);
 
+// Whether `text` is a day key as a person types one: "YYYY-MM-DD" naming a
+// real day of the calendar ("2025-02-30" is not one).
+bool isCalendarDayKey(std::string_view text, const LocalCalendar& calendar);
+
 }  // namespace tallowen

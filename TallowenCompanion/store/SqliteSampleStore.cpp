@@ -43,6 +43,8 @@ constexpr const char* schemaSql =
     " quotaPlan TEXT,"
     " updatedAt REAL NOT NULL DEFAULT " TALLOWEN_NOW_SINCE_2001 ");"
     "CREATE INDEX IF NOT EXISTS UsageSampleSlot ON UsageSample (dayKey, tool);"
+    // The fresh quotas are found without reading every record.
+    "CREATE INDEX IF NOT EXISTS UsageSampleUpdatedAt ON UsageSample (updatedAt);"
     "CREATE TABLE IF NOT EXISTS DayRecord ("
     " id INTEGER PRIMARY KEY AUTOINCREMENT,"
     " dayKey TEXT NOT NULL DEFAULT '',"
@@ -64,6 +66,13 @@ constexpr const char* schemaSql =
 
 constexpr const char* fetchAllSql = TALLOWEN_SELECT_SAMPLES " ORDER BY id";
 constexpr const char* fetchByDayKeySql = TALLOWEN_SELECT_SAMPLES " WHERE dayKey=? ORDER BY id";
+constexpr const char* fetchDaysSql = TALLOWEN_SELECT_SAMPLES " WHERE dayKey BETWEEN ? AND ? ORDER BY id";
+// Written as a union of two index searches: with an OR and ORDER BY id, SQLite
+// would walk every row in id order instead.
+constexpr const char* fetchFromDayOrQuotaSinceSql =
+    TALLOWEN_SELECT_SAMPLES " WHERE id IN (SELECT id FROM UsageSample WHERE dayKey>=?1 UNION ALL"
+                            " SELECT id FROM UsageSample WHERE updatedAt>=?2 AND"
+                            " (quotaPrimaryPercent IS NOT NULL OR quotaSecondaryPercent IS NOT NULL)) ORDER BY id";
 constexpr const char* newestInSlotSql =
     TALLOWEN_SELECT_SAMPLES " WHERE dayKey=? AND tool=? ORDER BY updatedAt DESC LIMIT 1";
 constexpr const char* insertSampleSql =
@@ -356,6 +365,24 @@ std::vector<UsageSample> SqliteSampleStore::fetchByDayKey(const std::string& day
     return samples;
 }
 
+std::vector<UsageSample> SqliteSampleStore::fetchDays(const std::string& firstDayKey, const std::string& lastDayKey) {
+    auto query = statement(fetchDaysSql);
+    query.bind(1, firstDayKey).bind(2, lastDayKey);
+    simdjson::dom::parser parser;
+    std::vector<UsageSample> samples;
+    while (query.step()) samples.push_back(readSample(query, parser));
+    return samples;
+}
+
+std::vector<UsageSample> SqliteSampleStore::fetchFromDayOrQuotaSince(const std::string& dayKey, Date updatedSince) {
+    auto query = statement(fetchFromDayOrQuotaSinceSql);
+    query.bind(1, dayKey).bind(2, updatedSince);
+    simdjson::dom::parser parser;
+    std::vector<UsageSample> samples;
+    while (query.step()) samples.push_back(readSample(query, parser));
+    return samples;
+}
+
 std::string SqliteSampleStore::insert(const UsageSample& sample) {
     return change([&] {
         auto query = statement(insertSampleSql);
@@ -462,6 +489,22 @@ std::string SqliteSampleStore::insertDayRecord(const DayRecord& record) {
             .run();
         return formatId(dayRecordIdPrefix, sqlite3_last_insert_rowid(db_));
     });
+}
+
+Result<std::vector<UsageSample>> readStoredSamples(const std::filesystem::path& storeFile) {
+    return readStoredSamples(storeFile, [](SqliteSampleStore& store) { return store.fetchAll(); });
+}
+
+Result<std::vector<UsageSample>> readStoredSamples(
+    const std::filesystem::path& storeFile, const std::function<std::vector<UsageSample>(SqliteSampleStore&)>& fetch) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(storeFile, ignored)) return std::vector<UsageSample>{};
+    try {
+        SqliteSampleStore store(storeFile, SqliteSampleStore::Access::readOnly);
+        return fetch(store);
+    } catch (const StoreError& error) {
+        return failure(unreadableStoreText(error));
+    }
 }
 
 }  // namespace tallowen

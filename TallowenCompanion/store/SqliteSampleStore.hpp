@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/Result.hpp"
 #include "model/DayRecord.hpp"
 #include "store/SampleStore.hpp"
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -36,6 +38,10 @@ public:
     static constexpr const char* fileName = "store.sqlite";
 
     explicit SqliteSampleStore(std::filesystem::path path, Access access = Access::readWrite);
+    // The store of a support folder: `fileName` inside it.
+    static std::filesystem::path locationIn(const std::filesystem::path& supportFolder) {
+        return supportFolder / fileName;
+    }
     ~SqliteSampleStore() override;
     SqliteSampleStore(const SqliteSampleStore&) = delete;
     SqliteSampleStore& operator=(const SqliteSampleStore&) = delete;
@@ -55,6 +61,14 @@ public:
     int64_t deleteSlotExcept(const SampleSlot& slot, const std::string& keeperId) override;
     // Binary text order on (dayKey, tool), then row order: stable between pages.
     std::vector<SampleSlot> slotPage(int64_t offset, int64_t limit) override;
+
+    // Reads for the terminal's short views, which need not load every record:
+    // the samples whose day key lies between the two keys (both included); the
+    // samples of days from `dayKey` on, with those carrying a quota updated at
+    // or after `updatedSince`. Both go through indexes. Duplicates are kept, as
+    // fetchAll() keeps them.
+    std::vector<UsageSample> fetchDays(const std::string& firstDayKey, const std::string& lastDayKey);
+    std::vector<UsageSample> fetchFromDayOrQuotaSince(const std::string& dayKey, Date updatedSince);
 
     // The per-day notes written by the phone; kept intact, never interpreted.
     std::vector<DayRecord> fetchDayRecords();
@@ -80,5 +94,13 @@ private:
     bool schemaReady_ = false;
     std::map<std::string, sqlite3_stmt*, std::less<>> statements_;
 };
+
+// Every sample of the store file, read without changing it; none when the
+// file does not exist yet (looking creates no empty store). The failure is
+// the line shown to the user: "Store illisible : …".
+Result<std::vector<UsageSample>> readStoredSamples(const std::filesystem::path& storeFile);
+// The same, with `fetch` reading only what a short view needs.
+Result<std::vector<UsageSample>> readStoredSamples(
+    const std::filesystem::path& storeFile, const std::function<std::vector<UsageSample>(SqliteSampleStore&)>& fetch);
 
 }  // namespace tallowen

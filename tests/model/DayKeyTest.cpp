@@ -45,5 +45,12 @@ TEST(DayKeyTest, KeysTurnBackIntoDayStarts) {
     EXPECT_EQ(calendar.startOfDayAdding(*springStart, 1), nextStart);
 }
 
+TEST(DayKeyTest, TypedKeysMustNameARealDay) {
+    const LocalCalendar calendar;
+    for (const char* key : {"2024-02-29", "2025-12-31", "0001-01-01"}) EXPECT_TRUE(isCalendarDayKey(key, calendar)) << key;
+    for (const char* key : {"2025-02-29", "2025-13-01", "2025-1-01", "2025/01/01", "2025-01-0a", "+025-01-01", ""})
+        EXPECT_FALSE(isCalendarDayKey(key, calendar)) << key;
+}
+
 }  // namespace
 }  // namespace tallowen

@@ -3,6 +3,7 @@
 #include "store/SampleStoreConformance.hpp"
 #include "support/Samples.hpp"
 
+#include <tuple>
 #include <unistd.h>
 
 namespace tallowen::testing {
@@ -42,6 +43,28 @@ TEST(SqliteSampleStoreTest, RoundTripsDayRecordsExactly) {
     EXPECT_EQ(fields(records[1]), fields(defaults));
 }
 
+TEST(SqliteSampleStoreTest, ReadsOnlyTheDaysAskedFor) {
+    TempDir dir;
+    SqliteSampleStore store(dir.path() / SqliteSampleStore::fileName);
+    for (const auto& [day, updatedAt, quota] : {std::tuple{"2025-03-01", 500.0, true}, {"2025-03-02", 100.0, true},
+                                                 {"2025-03-02", 600.0, false}, {"2025-03-04", 100.0, false}}) {
+        UsageSample sample = UsageSample::created(Date{updatedAt});
+        sample.dayKey = day;
+        sample.tool = "codex";
+        if (quota) sample.quotaSecondaryPercent = 12.5;
+        store.insert(sample);
+    }
+    store.save();
+    const auto days = [](const std::vector<UsageSample>& samples) {
+        std::string keys;
+        for (const UsageSample& sample : samples) keys += sample.dayKey.substr(8) + " ";
+        return keys;
+    };
+    EXPECT_EQ(days(store.fetchDays("2025-03-02", "2025-03-03")), "02 02 ");
+    EXPECT_EQ(days(store.fetchDays("2025-03-01", "2025-03-04")), "01 02 02 04 ");
+    EXPECT_EQ(days(store.fetchFromDayOrQuotaSince("2025-03-03", Date{500})), "01 04 ");
+}
+
 TEST(SqliteSampleStoreTest, ReadsAStoreInAFolderNobodyMayWriteTo) {
     if (::geteuid() == 0) GTEST_SKIP() << "this user writes into read-only folders";
     TempDir dir;
@@ -79,6 +102,16 @@ TEST(SqliteSampleStoreTest, FailuresCarrySqliteMessages) {
     SqliteSampleStore junk(dir.write("junk.sqlite", std::string(2048, '\x7f')));
     EXPECT_EQ(message([&] { junk.fetchAll(); }), "file is not a database");
     EXPECT_EQ(message([&] { junk.fetchAll(); }), "file is not a database");
+}
+
+TEST(SqliteSampleStoreTest, ReadingAMissingStoreCreatesNothingAndAnUnreadableOneIsTheUsersLine) {
+    TempDir dir;
+    const auto missing = readStoredSamples(dir.path() / "store.sqlite");
+    ASSERT_TRUE(missing);
+    EXPECT_TRUE(missing->empty());
+    EXPECT_FALSE(std::filesystem::exists(dir.path() / "store.sqlite"));
+    EXPECT_EQ(readStoredSamples(dir.write("junk.sqlite", std::string(2048, 'z'))).error(),
+              "Store illisible : file is not a database");
 }
 
 }  // namespace

@@ -56,17 +56,14 @@ TEST_F(MenuModelTest, WithoutSamplesEverySectionShowsItsEmptyState) {
               "Aucun pour l'instant. Claude Code, Codex et Cursor sont lus automatiquement. Règle des 2 heures : "
               "voir METHODOLOGY.md.");
     EXPECT_FALSE(model.errorLine);
-    EXPECT_FALSE(model.cleaning);
     EXPECT_FALSE(model.lastImportText);
-    EXPECT_EQ(model.importButtonLabel, "IMPORTER");
-    EXPECT_TRUE(model.importButtonEnabled);
-    EXPECT_FALSE(model.showsImportIndicator);
 }
 
-TEST_F(MenuModelTest, TodayToolsWeekAndQuotasFromTheSamples) {
+// A week of samples around Saturday 7 March: today a stale duplicate of the
+// Claude Code slot, a tool this version does not know and the phone's ChatGPT.
+std::vector<UsageSample> weekOfSamples(Date now) {
     const Date earlier = now.addingSeconds(-3600);
     std::vector<UsageSample> samples = {
-        // Today: a stale duplicate of the Claude Code slot that must not count.
         sample("2026-03-07", "claude-code", 99, 1, 1, 1, 1, earlier.addingSeconds(-60)),
         sample("2026-03-07", "claude-code", 12, 300000, 40000, 1250, 300, earlier),
         sample("2026-03-07", "codex", 3, 9000, 3500, 40, 100, earlier),
@@ -80,14 +77,11 @@ TEST_F(MenuModelTest, TodayToolsWeekAndQuotasFromTheSamples) {
     samples[2].quotaPrimaryResetAt = now.addingSeconds(3 * 3600 + 10);
     samples[2].quotaSecondaryPercent = 12;
     samples[2].quotaPlan = "plus";
+    return samples;
+}
 
-    ImporterState importer;
-    importer.detectedTools = {UsageTool::cursor, UsageTool::codex, UsageTool::claudeCode};
-    importer.lastImport = localDate(2026, 3, 7, 13, 58);
-    importer.lastError = "Store illisible : disque plein";
-    const MenuModel model = compute(samples, importer);
-
-    EXPECT_EQ(model.todayRequests, 17);
+TEST_F(MenuModelTest, TodayCountsOneSamplePerKnownToolAndSlot) {
+    const MenuModel model = compute(weekOfSamples(now));
     EXPECT_EQ(model.todayRequestsText, "17");
     EXPECT_EQ(model.todayTokens, 352500);
     EXPECT_EQ(model.todayTokensText, "352 k");
@@ -98,18 +92,23 @@ TEST_F(MenuModelTest, TodayToolsWeekAndQuotasFromTheSamples) {
     EXPECT_EQ(model.comparisonLine, "DANS TA MOYENNE");
     // (352500 + 2500000 + 1000000) ÷ 3 measured days, spread over 57600 s.
     EXPECT_DOUBLE_EQ(model.tokenRatePerSecond, 1284166.0 / 57600.0);
+    std::vector<std::string> rows;
+    for (const MenuToolRow& row : model.toolRows) rows.push_back(row.label + " " + row.figuresText);
+    EXPECT_EQ(rows, (std::vector<std::string>{"CHATGPT 2 · 0", "CLAUDE CODE 12 · 340 k", "CODEX 3 · 12 k"}));
+}
 
-    ASSERT_EQ(model.toolRows.size(), 3u);
-    EXPECT_EQ(model.toolRows[0].label, "CHATGPT");
-    EXPECT_EQ(model.toolRows[0].figuresText, "2 · 0");
-    EXPECT_EQ(model.toolRows[1].label, "CLAUDE CODE");
-    EXPECT_EQ(model.toolRows[1].figuresText, "12 · 340 k");
-    EXPECT_EQ(model.toolRows[2].label, "CODEX");
-    EXPECT_EQ(model.toolRows[2].figuresText, "3 · 12 k");
-
+TEST_F(MenuModelTest, TheWeekIsTodayAndTheSixDaysBefore) {
+    const MenuModel model = compute(weekOfSamples(now));
     EXPECT_EQ(model.weekRequests, 37);
     EXPECT_EQ(model.weekLine, "37 recours · 2,9 M · 22" NBSP "$US");
+}
 
+TEST_F(MenuModelTest, QuotaBarsDetectedToolsAndTheImportersLines) {
+    ImporterState importer;
+    importer.detectedTools = {UsageTool::cursor, UsageTool::codex, UsageTool::claudeCode};
+    importer.lastImport = localDate(2026, 3, 7, 13, 58);
+    importer.lastError = "Store illisible : disque plein";
+    const MenuModel model = compute(weekOfSamples(now), importer);
     ASSERT_EQ(model.quotaBlocks.size(), 1u);
     const MenuQuotaBlock& quota = model.quotaBlocks[0];
     EXPECT_EQ(quota.label, "CODEX");
@@ -123,22 +122,9 @@ TEST_F(MenuModelTest, TodayToolsWeekAndQuotasFromTheSamples) {
     EXPECT_FALSE(quota.bars[1].warning);
     EXPECT_FALSE(quota.bars[1].resetText);
 
-    EXPECT_TRUE(model.hasDetectedTools);
     EXPECT_EQ(model.detectedToolsText, "CLAUDE CODE · CODEX · CURSOR");
     EXPECT_EQ(model.errorLine, "Store illisible : disque plein");
     EXPECT_EQ(model.lastImportText, "Import 13:58");
-}
-
-TEST_F(MenuModelTest, ImportingAndCleaningStates) {
-    ImporterState importer;
-    importer.isImporting = true;
-    importer.purgeProgress = 0.005;
-    const MenuModel model = compute({}, importer);
-    EXPECT_EQ(model.importButtonLabel, "IMPORT…");
-    EXPECT_FALSE(model.importButtonEnabled);
-    EXPECT_TRUE(model.showsImportIndicator);
-    ASSERT_TRUE(model.cleaning);
-    EXPECT_EQ(model.cleaning->percentText, "1 %");
 }
 
 TEST_F(MenuModelTest, CloudWarningsAndStatusLines) {
