@@ -16,16 +16,4 @@ protected:
     ~LineRuns() = default;
 };
 
-// Bytes already in memory, handed out as one run.
-class LineRunsInMemory final : public LineRuns {
-public:
-    explicit LineRunsInMemory(std::string_view bytes) : bytes_(bytes) {}
-    void forEachRun(const std::function<void(std::string_view run)>& onRun) override {
-        if (!bytes_.empty()) onRun(bytes_);
-    }
-
-private:
-    std::string_view bytes_;
-};
-
 }  // namespace tallowen
