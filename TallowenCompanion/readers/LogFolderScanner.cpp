@@ -97,7 +97,7 @@ private:
         const Date modified = modificationDate(entry.status);
         // The state file holds text: a name that is not UTF-8 is known by the
         // text it is saved as, so that the next run finds it again.
-        const std::string key = validUtf8(path);
+        const std::string key = losslessUtf8(path);
         if (const auto stored = files_.find(key);
             stored != files_.end() && stored->second.size == size && stored->second.modified == modified) {
             ++counters_.filesReused;
