@@ -1,5 +1,6 @@
 #include "import/UsageImporter.hpp"
 
+#include "base/Files.hpp"
 #include "base/SupportFolderLock.hpp"
 #include "import/ImportStateFile.hpp"
 #include "import/SampleWriter.hpp"
@@ -82,6 +83,8 @@ ImportRunReport::Outcome UsageImporter::startImport() {
     // A folder where no lock can be taken is one where no other process can
     // import either; the run goes on and meets the folder's faults itself.
     if (lock.status() == SupportFolderLock::Status::busy) return ImportRunReport::Outcome::droppedOtherProcess;
+    // A process killed while it wrote a file of the folder left its temporary file behind.
+    removeStaleTemporaryFiles(environment_.supportFolder);
 
     isImporting_ = true;
     publish(ImporterProperty::isImporting);
