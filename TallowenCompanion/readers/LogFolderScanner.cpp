@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
+#include <new>
 #include <string>
 #include <sys/stat.h>
 #include <utility>
@@ -117,7 +118,13 @@ private:
         FileReading reading;
         {
             const TornReadGuard guard(file->bytes().data(), file->bytes().size());
-            reading = reader_(file->bytes());
+            try {
+                reading = reader_(file->bytes());
+            } catch (const std::bad_alloc&) {
+                // Too big for the memory there is now: read it another time; the other files go on.
+                ++counters_.filesUnreadable;
+                return;
+            }
             if (guard.torn()) {
                 // Shortened while being read: what was read is not the file; read it next run.
                 ++counters_.filesUnreadable;

@@ -134,6 +134,13 @@ TEST(ClaudeCodeReaderTest, WholeFile) {
     reader.parseFile(reply + "\n" + opusReply.substr(0, opusReply.size() - 10), events);
     EXPECT_EQ(events, (std::vector<UsageEvent>{fullSonnetEvent, fullSonnetEvent, fullOpusEvent, fullSonnetEvent}));
 
+    // A line far longer than any other, then an ordinary one: both read exactly.
+    const std::string longReply =
+        assistantLine(fullUsage).replace(assistantLine(fullUsage).find(R"("ok")"), 4, '"' + std::string(20 << 20, 'x') + '"');
+    events.clear();
+    reader.parseFile(longReply + "\n" + opusReply, events);
+    EXPECT_EQ(events, (std::vector<UsageEvent>{fullSonnetEvent, fullOpusEvent}));
+
     std::vector<UsageEvent> none;
     reader.parseFile("", none);
     reader.parseFile("\n\n\r\n", none);

@@ -208,6 +208,28 @@ TEST_F(LogFolderScannerTest, AFileThatVanishesMidScanKeepsItsOldEntry) {
     EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 5);
 }
 
+TEST_F(LogFolderScannerTest, AFileThatRunsOutOfMemoryKeepsItsOldEntryAndTheOthersAreRead) {
+    const Date morning = localDate(2025, 3, 14, 10);
+    home.write("projects/a.jsonl", eventLine(morning, 1, 1));
+    const auto big = home.write("projects/b.jsonl", eventLine(morning, 100, 10));
+    home.write("projects/c.jsonl", eventLine(morning, 1000, 1));
+    scanFolder();
+    const FileEntry before = files.at(big.string());
+
+    home.write("projects/b.jsonl", eventLine(morning, 200, 20));
+    home.write("projects/c.jsonl", eventLine(morning, 3000, 3));
+    const LogFileReader inner = counting.reader();
+    const FolderScan result = scan(folder(), files, [&](std::string_view bytes) {
+        if (bytes.find(" 200 ") != std::string_view::npos) throw std::bad_alloc();
+        return inner(bytes);
+    }, calendar);
+    EXPECT_EQ(result.counters.filesRead, 1);
+    EXPECT_EQ(result.counters.filesReused, 1);
+    EXPECT_EQ(result.counters.filesUnreadable, 1);
+    EXPECT_EQ(files.at(big.string()), before);
+    EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 3001);
+}
+
 TEST_F(LogFolderScannerTest, AFileShortenedWhileBeingReadIsDroppedForThisRunWithoutStopping) {
     const Date morning = localDate(2025, 3, 14, 10);
     const auto log = home.write("projects/a.jsonl", eventLine(morning, 1, 1));
