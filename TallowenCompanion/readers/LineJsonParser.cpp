@@ -82,8 +82,9 @@ std::string_view stringBody(const char* quote, const char* end) {
 
 class Walk {
 public:
-    Walk(const char* lineEnd, std::span<const JsonPath> paths, std::span<JsonField> fields)
-        : lineEnd_(lineEnd), paths_(paths), fields_(fields) {}
+    Walk(const char* lineEnd, std::span<const JsonPath> paths, std::span<JsonField> fields,
+         simdjson::dom::parser& numberParser)
+        : lineEnd_(lineEnd), paths_(paths), fields_(fields), numberParser_(numberParser) {}
 
     error_code root(ondemand::document& document) {
         ondemand::json_type type;
@@ -176,10 +177,13 @@ private:
                 outcome = value.get_string().get(found.text);
                 break;
             case ondemand::json_type::number: {
+                const std::string_view token = value.raw_json_token();
                 ondemand::number number;
                 if (error_code error = value.get_number().get(number)) return error;
                 found.kind = JsonField::Kind::number;
-                found.number = number.as_double();
+                found.number = number.get_number_type() == ondemand::number_type::floating_point_number
+                                   ? treeParsedNumber(token)
+                                   : number.as_double();
                 if (number.get_number_type() == ondemand::number_type::signed_integer) {
                     found.kind = JsonField::Kind::integer;
                     found.integer = number.get_int64();
@@ -259,6 +263,17 @@ private:
         return SUCCESS;
     }
 
+    // The on-demand reading of a number with many digits can be off (it gives
+    // 0 for some); the tree parser's reading of the same token is exact.
+    double treeParsedNumber(std::string_view token) {
+        while (!token.empty() && (token.back() == ' ' || token.back() == '\t' || token.back() == '\r' ||
+                                  token.back() == '\n'))
+            token.remove_suffix(1);
+        double number = 0;
+        if (numberParser_.parse(simdjson::padded_string(token)).get_double().get(number) != SUCCESS) return 0;
+        return number;
+    }
+
     static error_code checkNull(ondemand::value& value) {
         bool isNull = false;
         if (error_code error = value.is_null().get(isNull)) return error;
@@ -268,6 +283,7 @@ private:
     const char* lineEnd_;
     std::span<const JsonPath> paths_;
     std::span<JsonField> fields_;
+    simdjson::dom::parser& numberParser_;
     // The keys that led to the object being picked from.
     std::vector<std::string_view> prefix_;
 };
@@ -276,6 +292,7 @@ private:
 
 struct LineJsonParser::Buffers {
     ondemand::parser parser;
+    simdjson::dom::parser numberParser;
     // The line and the parser's padding after it: the parser may read past the end.
     std::unique_ptr<char[]> line;
     size_t lineCapacity = 0;
@@ -308,7 +325,7 @@ bool LineJsonParser::parse(std::string_view line, std::span<const JsonPath> path
         error_code error = buffers.parser.iterate(buffers.line.get(), line.size(), buffers.lineCapacity).get(document);
         if (error == simdjson::MEMALLOC) throw std::bad_alloc();
         if (error == SUCCESS) {
-            Walk walk(buffers.line.get() + line.size(), paths, fields);
+            Walk walk(buffers.line.get() + line.size(), paths, fields, buffers.numberParser);
             error = walk.root(document);
         }
         // Nothing may follow the top-level value.
