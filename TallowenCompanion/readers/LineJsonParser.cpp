@@ -321,6 +321,11 @@ bool LineJsonParser::parse(std::string_view line, std::span<const JsonPath> path
 
     bool valid = false;
     {
+        // Room for a level more than the walk takes, so that the parser's own
+        // depth bookkeeping never reaches its end first.
+        if (buffers.parser.capacity() < line.size() || buffers.parser.max_depth() <= maxDepth + 1) {
+            if (buffers.parser.allocate(line.size(), maxDepth + 8) != SUCCESS) throw std::bad_alloc();
+        }
         ondemand::document document;
         error_code error = buffers.parser.iterate(buffers.line.get(), line.size(), buffers.lineCapacity).get(document);
         if (error == simdjson::MEMALLOC) throw std::bad_alloc();
