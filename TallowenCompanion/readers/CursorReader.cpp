@@ -1,13 +1,12 @@
 #include "readers/CursorReader.hpp"
 
-#include "base/SqliteFileUri.hpp"
-
 #include "base/CheckedMath.hpp"
+#include "base/SqliteStatement.hpp"
 #include "model/DayKey.hpp"
+#include "readers/CursorConnection.hpp"
 #include "readers/ModelPricing.hpp"
 
 #include <map>
-#include <memory>
 #include <sqlite3.h>
 #include <string>
 
@@ -26,31 +25,12 @@ constexpr const char* tokenQuery =
     "FROM cursorDiskKV WHERE key LIKE 'bubbleId:%'\n"
     "GROUP BY substr(key, 10, 36)";
 
-struct DatabaseCloser {
-    void operator()(sqlite3* database) const { sqlite3_close(database); }
-};
-struct StatementFinalizer {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-using Database = std::unique_ptr<sqlite3, DatabaseCloser>;
-using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
-
 // A query that cannot be prepared yields no rows.
 template <typename OnRow>
-void forEachRow(sqlite3* database, const char* sql, OnRow&& onRow) {
-    sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(database, sql, -1, &raw, nullptr) != SQLITE_OK) {
-        sqlite3_finalize(raw);
-        return;
-    }
-    const Statement statement(raw);
-    while (sqlite3_step(statement.get()) == SQLITE_ROW) onRow(statement.get());
-}
-
-std::optional<std::string> textColumn(sqlite3_stmt* statement, int column) {
-    const unsigned char* text = sqlite3_column_text(statement, column);
-    if (text == nullptr) return std::nullopt;
-    return std::string(reinterpret_cast<const char*>(text), static_cast<size_t>(sqlite3_column_bytes(statement, column)));
+void forEachRow(const SqliteConnection& database, const char* sql, OnRow&& onRow) {
+    auto statement = SqliteStatement::prepare(database.handle(), sql);
+    if (!statement) return;
+    while (statement->step() == SQLITE_ROW) onRow(*statement);
 }
 
 }  // namespace
@@ -74,32 +54,34 @@ std::optional<DayMap> readCursorUsage(const std::filesystem::path& homeFolder, c
 }
 
 std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar) {
+    LockWaitBudget budget;
+    return readCursorDatabase(databasePath, calendar, budget);
+}
+
+std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar,
+                                         LockWaitBudget& budget) {
     std::error_code code;
     if (!std::filesystem::exists(databasePath, code)) return std::nullopt;
-    sqlite3* raw = nullptr;
-    const int opened =
-        sqlite3_open_v2(sqliteFileUri(databasePath, "mode=ro").c_str(), &raw, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
-    const Database database(raw);
-    if (opened != SQLITE_OK) return std::nullopt;
-    // The editor may hold a write lock: wait for it rather than fail at once.
-    sqlite3_busy_timeout(database.get(), 4000);
+    // The editor may hold a write lock: both queries wait for it rather than fail at once.
+    const auto database = openCursorDatabase(databasePath, budget);
+    if (!database) return std::nullopt;
 
     std::map<std::string, std::string> creationDayKeys;
-    forEachRow(database.get(), creationQuery, [&](sqlite3_stmt* row) {
-        auto conversation = textColumn(row, 0);
-        const int64_t createdAtMilliseconds = sqlite3_column_int64(row, 1);
+    forEachRow(*database, creationQuery, [&](const SqliteStatement& row) {
+        auto conversation = row.text(0);
+        const int64_t createdAtMilliseconds = row.integer(1);
         if (!conversation || createdAtMilliseconds < 1) return;
         const Date created = Date::fromUnixSeconds(static_cast<double>(createdAtMilliseconds) / 1000.0);
         creationDayKeys[std::move(*conversation)] = dayKey(created, calendar);
     });
 
     DayMap days;
-    forEachRow(database.get(), tokenQuery, [&](sqlite3_stmt* row) {
-        auto conversation = textColumn(row, 0);
+    forEachRow(*database, tokenQuery, [&](const SqliteStatement& row) {
+        auto conversation = row.text(0);
         if (!conversation) return;
-        const int64_t inputTokens = sqlite3_column_int64(row, 1);
-        const int64_t outputTokens = sqlite3_column_int64(row, 2);
-        const int64_t messagesWithOutput = sqlite3_column_int64(row, 3);
+        const int64_t inputTokens = row.integer(1);
+        const int64_t outputTokens = row.integer(2);
+        const int64_t messagesWithOutput = row.integer(3);
         if (checkedAdd(inputTokens, outputTokens) < 1) return;
         const auto creationDay = creationDayKeys.find(*conversation);
         if (creationDay == creationDayKeys.end()) return;

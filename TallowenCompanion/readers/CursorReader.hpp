@@ -20,4 +20,9 @@ std::optional<DayMap> readCursorUsage(const std::filesystem::path& homeFolder, c
 // The same from a database file given directly.
 std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar);
 
+class LockWaitBudget;
+// The same, its waits for the editor's locks drawn from `budget`.
+std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar,
+                                         LockWaitBudget& budget);
+
 }  // namespace tallowen

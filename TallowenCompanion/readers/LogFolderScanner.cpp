@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
+#include <new>
 #include <string>
 #include <sys/stat.h>
 #include <utility>
@@ -97,7 +98,7 @@ private:
         const Date modified = modificationDate(entry.status);
         // The state file holds text: a name that is not UTF-8 is known by the
         // text it is saved as, so that the next run finds it again.
-        const std::string key = validUtf8(path);
+        const std::string key = losslessUtf8(path);
         if (const auto stored = files_.find(key);
             stored != files_.end() && stored->second.size == size && stored->second.modified == modified) {
             ++counters_.filesReused;
@@ -117,7 +118,13 @@ private:
         FileReading reading;
         {
             const TornReadGuard guard(file->bytes().data(), file->bytes().size());
-            reading = reader_(file->bytes());
+            try {
+                reading = reader_(file->bytes());
+            } catch (const std::bad_alloc&) {
+                // Too big for the memory there is now: read it another time; the other files go on.
+                ++counters_.filesUnreadable;
+                return;
+            }
             if (guard.torn()) {
                 // Shortened while being read: what was read is not the file; read it next run.
                 ++counters_.filesUnreadable;
