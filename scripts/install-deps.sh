@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what a fresh Debian machine lacks to build, test and benchmark Tallowen.
 set -euo pipefail
-packages=(cmake ninja-build g++ pkg-config libsqlite3-dev libsimdjson-dev libicu-dev libgtest-dev libbenchmark-dev python3 sqlite3 time)
+packages=(cmake ninja-build g++ pkg-config libsqlite3-dev libsimdjson-dev libicu-dev libgtest-dev libbenchmark-dev python3 sqlite3 time
+  clang libclang-rt-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs the whole test suite twice: an optimised build (the one users
 # run, benchmarks included), then a debug one under the address and
-# undefined-behaviour sanitizers.
+# undefined-behaviour sanitizers; then runs each fuzz target for 20 seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -25,3 +25,4 @@ cmake -S . -B build/sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTALLOWEN_SANITI
 cmake --build build/sanitize -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:allow_user_segv_handler=1:handle_sigbus=0 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/sanitize --output-on-failure -j "$jobs"
+bash scripts/fuzz.sh 20

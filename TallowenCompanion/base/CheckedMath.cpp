@@ -1,15 +1,8 @@
 #include "base/CheckedMath.hpp"
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 
 namespace tallowen {
-
-void fatalArithmetic(const char* what) {
-    std::fprintf(stderr, "TallowenCompanion: fatal: %s\n", what);
-    std::abort();
-}
 
 int64_t roundedToInt64(double value) {
     const double rounded = std::round(value);

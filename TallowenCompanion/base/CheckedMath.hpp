@@ -5,7 +5,9 @@
 namespace tallowen {
 
 // Token, cost and water arithmetic must never wrap: an overflow stops the
-// process with a message instead of storing a wrong figure.
+// process with a message instead of storing a wrong figure. Defined alone in
+// FatalArithmetic.cpp, so that a harness that must tell these stops apart
+// from real faults can link a stop of its own in its place.
 [[noreturn]] void fatalArithmetic(const char* what);
 
 inline int64_t checkedAdd(int64_t a, int64_t b) {

@@ -94,7 +94,12 @@ JsonWriter& JsonWriter::number(double value) {
     if (!std::isfinite(value)) return null();
     separate();
     char buffer[64];
-    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    // From 2^63 up, the shortest text can be a bare integer too wide for a
+    // 64-bit reader, which then rejects the whole document; an exponent keeps
+    // it a number any reader takes.
+    const auto result = std::fabs(value) >= 0x1p63
+                            ? std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific)
+                            : std::to_chars(buffer, buffer + sizeof buffer, value);
     out_.append(buffer, result.ptr);
     needsComma_ = true;
     return *this;

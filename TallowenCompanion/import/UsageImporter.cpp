@@ -1,5 +1,6 @@
 #include "import/UsageImporter.hpp"
 
+#include "base/Files.hpp"
 #include "base/SupportFolderLock.hpp"
 #include "import/CursorDayCacheFile.hpp"
 #include "import/ImportStateFile.hpp"
@@ -109,6 +110,8 @@ ImportRunReport::Outcome UsageImporter::startImport() {
     // import either; the run goes on and meets the folder's faults itself.
     lastRequestDroppedElsewhere_ = lock.status() == SupportFolderLock::Status::busy;
     if (lastRequestDroppedElsewhere_) return ImportRunReport::Outcome::droppedOtherProcess;
+    // A process killed while it wrote a file of the folder left its temporary file behind.
+    removeStaleTemporaryFiles(environment_.supportFolder);
 
     isImporting_ = true;
     publish(ImporterProperty::isImporting);

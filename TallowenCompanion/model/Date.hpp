@@ -21,6 +21,12 @@ struct Date {
         return secondsSinceReferenceDate - other.secondsSinceReferenceDate;
     }
 
+    // Whether a calendar can show it: within the years 1 to 9999 (UTC). A
+    // stored value outside them, or not a number at all, counts as no date.
+    constexpr bool isUsable() const {
+        return secondsSinceReferenceDate >= -63113904000.0 && secondsSinceReferenceDate <= 252423993599.0;
+    }
+
     // Used where a file's modification time is unknown.
     static constexpr Date distantPast() { return Date{-63114076800.0}; }
 

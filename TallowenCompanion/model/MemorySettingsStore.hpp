@@ -18,6 +18,7 @@ public:
     std::optional<Date> dateValue(const std::string& key) const override {
         auto found = values_.find(key);
         if (found == values_.end() || !std::holds_alternative<Date>(found->second)) return std::nullopt;
+        if (!std::get<Date>(found->second).isUsable()) return std::nullopt;
         return std::get<Date>(found->second);
     }
     void setDate(const std::string& key, Date value) override { values_[key] = value; }

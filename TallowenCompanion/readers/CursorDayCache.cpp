@@ -1,5 +1,6 @@
 #include "readers/CursorDayCache.hpp"
 
+#include "readers/CursorConnection.hpp"
 #include "readers/CursorReader.hpp"
 
 namespace tallowen {
@@ -21,7 +22,8 @@ std::optional<DayMap> readCursorUsage(const std::filesystem::path& homeFolder, c
     const auto before = currentCursorStamps(*path, calendar);
     if (before && cache && cache->stamps == *before) return cache->days;
 
-    auto reading = readCursorReading(*path, calendar);
+    LockWaitBudget budget;
+    auto reading = readCursorReading(*path, calendar, budget);
     // A change made while the database was read may or may not be in what was read.
     if (reading && reading->repeatable && before && currentCursorStamps(*path, calendar) == before)
         cache = CursorDayCache{*before, reading->days};

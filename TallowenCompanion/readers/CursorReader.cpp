@@ -1,9 +1,8 @@
 #include "readers/CursorReader.hpp"
 
-#include "base/SqliteFileUri.hpp"
-
 #include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
+#include "readers/CursorConnection.hpp"
 #include "readers/CursorFastPath.hpp"
 #include "readers/ModelPricing.hpp"
 
@@ -27,13 +26,9 @@ constexpr const char* tokenQuery =
     "FROM cursorDiskKV WHERE key LIKE 'bubbleId:%'\n"
     "GROUP BY substr(key, 10, 36)";
 
-struct DatabaseCloser {
-    void operator()(sqlite3* database) const { sqlite3_close(database); }
-};
 struct StatementFinalizer {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
-using Database = std::unique_ptr<sqlite3, DatabaseCloser>;
 using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
 
 // A query that cannot be prepared yields no rows. False when it stopped for a
@@ -80,27 +75,29 @@ std::optional<DayMap> readCursorUsage(const std::filesystem::path& homeFolder, c
 }
 
 std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar) {
-    auto reading = readCursorReading(databasePath, calendar);
+    LockWaitBudget budget;
+    return readCursorDatabase(databasePath, calendar, budget);
+}
+
+std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar,
+                                         LockWaitBudget& budget) {
+    auto reading = readCursorReading(databasePath, calendar, budget);
     if (!reading) return std::nullopt;
     return std::move(reading->days);
 }
 
 std::optional<CursorReading> readCursorReading(const std::filesystem::path& databasePath,
-                                               const LocalCalendar& calendar) {
+                                               const LocalCalendar& calendar, LockWaitBudget& budget) {
     std::error_code code;
     if (!std::filesystem::exists(databasePath, code)) return std::nullopt;
-    sqlite3* raw = nullptr;
-    const int opened =
-        sqlite3_open_v2(sqliteFileUri(databasePath, "mode=ro").c_str(), &raw, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
-    const Database database(raw);
-    if (opened != SQLITE_OK) return std::nullopt;
-    // The editor may hold a write lock: wait for it rather than fail at once.
-    sqlite3_busy_timeout(database.get(), 4000);
+    // The editor may hold a write lock: every query waits for it rather than fail at once.
+    const auto database = openCursorDatabase(databasePath, budget);
+    if (!database) return std::nullopt;
 
     // The fast way reads the same rows; when it meets a value it cannot
     // settle exactly as SQLite would, the reference decides instead.
-    auto rows = readCursorRowsFast(database.get());
-    if (!rows) rows = readCursorRowsByReference(database.get());
+    auto rows = readCursorRowsFast(database->handle());
+    if (!rows) rows = readCursorRowsByReference(database->handle());
     return CursorReading{cursorDaysFromRows(*rows, calendar), rows->repeatable};
 }
 

@@ -24,6 +24,11 @@ std::optional<DayMap> readCursorUsage(const std::filesystem::path& homeFolder, c
 // The same from a database file given directly.
 std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar);
 
+class LockWaitBudget;
+// The same, its waits for the editor's locks drawn from `budget`.
+std::optional<DayMap> readCursorDatabase(const std::filesystem::path& databasePath, const LocalCalendar& calendar,
+                                         LockWaitBudget& budget);
+
 // What one read of the database gave, and whether another read of the same
 // bytes would give it again: not when a query was cut short by something
 // passing, such as a lock held too long or a failing disk.
@@ -34,7 +39,7 @@ struct CursorReading {
 
 // Nothing when the database cannot be opened.
 std::optional<CursorReading> readCursorReading(const std::filesystem::path& databasePath,
-                                               const LocalCalendar& calendar);
+                                               const LocalCalendar& calendar, LockWaitBudget& budget);
 
 // The rows Cursor's days are made of: each conversation's creation time, and
 // its messages' token sums.

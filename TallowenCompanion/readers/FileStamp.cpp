@@ -9,9 +9,13 @@ Date modificationDate(const struct stat& status) {
     const struct timespec& time = status.st_mtim;
 #endif
     // Whole seconds are moved to the reference date first, in integers, so the
-    // nanoseconds keep as much precision as a double allows.
+    // nanoseconds keep as much precision as a double allows. Near the earliest
+    // 64-bit time the integers cannot go lower; there a double is as precise.
     const auto offset = static_cast<int64_t>(Date::unixEpochOffsetSeconds);
-    const double seconds = static_cast<double>(static_cast<int64_t>(time.tv_sec) - offset);
+    int64_t sinceReference = 0;
+    const double seconds = __builtin_sub_overflow(static_cast<int64_t>(time.tv_sec), offset, &sinceReference)
+                               ? static_cast<double>(time.tv_sec) - Date::unixEpochOffsetSeconds
+                               : static_cast<double>(sinceReference);
     return Date{seconds + static_cast<double>(time.tv_nsec) / 1e9};
 }
 

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
-#include <numeric>
+#include <new>
 #include <string>
 #include <sys/stat.h>
 #include <utility>
@@ -92,7 +92,7 @@ void walkFolder(size_t folderIndex, const std::string& folderPath, std::vector<L
         file.folder = folderIndex;
         // The state file holds text: a name that is not UTF-8 is known by the
         // text it is saved as, so that the next run finds it again.
-        file.key = validUtf8(path);
+        file.key = losslessUtf8(path);
         file.sessionId = validUtf8(std::filesystem::path(entry.name).stem().string());
         file.path = std::move(path);
         file.listed = fileStamp(entry.status);
@@ -131,7 +131,14 @@ void readLogFile(LogFile& file, const LogFileReader& reader, const LocalCalendar
         return;
     }
     CountedRuns lines(*opened, settings.progress);
-    FileReading reading = reader(lines);
+    FileReading reading;
+    try {
+        reading = reader(lines);
+    } catch (const std::bad_alloc&) {
+        // Too big for the memory there is now: read it another time; the other files go on.
+        file.outcome = LogFile::Outcome::unreadable;
+        return;
+    }
     if (opened->incomplete()) {
         // Shortened while being read: what was read is not the file; read it next run.
         file.outcome = LogFile::Outcome::unreadable;

@@ -76,7 +76,9 @@ std::optional<Date> JsonSettingsStore::dateValue(const std::string& key) const {
     const Settings settings = readSettings(file_);
     const auto found = settings.find(key);
     if (found == settings.end() || !std::holds_alternative<double>(found->second)) return std::nullopt;
-    return Date{std::get<double>(found->second)};
+    const Date date{std::get<double>(found->second)};
+    if (!date.isUsable()) return std::nullopt;
+    return date;
 }
 
 void JsonSettingsStore::setDate(const std::string& key, Date value) {

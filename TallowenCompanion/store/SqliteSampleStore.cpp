@@ -129,40 +129,31 @@ std::vector<int64_t> decodeHours(simdjson::dom::parser& parser, std::string_view
 
 }  // namespace
 
-// A cached prepared statement, reset and unbound when this handle goes.
+// A cached prepared statement, reset and unbound when this handle goes. Any
+// failure throws StoreError with SQLite's message.
 class SqliteSampleStore::Statement {
 public:
-    Statement(SqliteSampleStore& store, sqlite3_stmt* stmt) : store_(store), stmt_(stmt) {}
-    ~Statement() {
-        sqlite3_reset(stmt_);
-        sqlite3_clear_bindings(stmt_);
-    }
+    Statement(SqliteSampleStore& store, SqliteStatement& statement) : store_(store), statement_(statement) {}
+    ~Statement() { statement_.reset(); }
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
 
-    Statement& bind(int index, std::string_view text) {
-        check(sqlite3_bind_text64(stmt_, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
-        return *this;
-    }
-    Statement& bind(int index, int64_t value) {
-        check(sqlite3_bind_int64(stmt_, index, value));
-        return *this;
-    }
-    Statement& bind(int index, double value) {
-        check(sqlite3_bind_double(stmt_, index, value));
+    template <typename Value>
+    Statement& bind(int index, const Value& value) {
+        check(statement_.bind(index, value));
         return *this;
     }
     Statement& bind(int index, Date value) { return bind(index, value.secondsSinceReferenceDate); }
     template <typename T>
     Statement& bind(int index, const std::optional<T>& value) {
         if (value) return bind(index, *value);
-        check(sqlite3_bind_null(stmt_, index));
+        check(statement_.bindNull(index));
         return *this;
     }
 
     // True while a row is available.
     bool step() {
-        const int result = sqlite3_step(stmt_);
+        const int result = statement_.step();
         if (result == SQLITE_ROW) return true;
         if (result == SQLITE_DONE) return false;
         store_.fail();
@@ -172,27 +163,19 @@ public:
         }
     }
 
-    bool isNull(int column) const { return sqlite3_column_type(stmt_, column) == SQLITE_NULL; }
-    int64_t integer(int column) const { return sqlite3_column_int64(stmt_, column); }
-    double real(int column) const { return sqlite3_column_double(stmt_, column); }
+    int64_t integer(int column) const { return statement_.integer(column); }
+    double real(int column) const { return statement_.real(column); }
     Date date(int column) const { return Date{real(column)}; }
-    std::string text(int column) const {
-        const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
-        if (bytes == nullptr) return {};
-        return std::string(bytes, static_cast<size_t>(sqlite3_column_bytes(stmt_, column)));
-    }
+    std::string text(int column) const { return statement_.text(column).value_or(std::string()); }
     std::optional<double> optionalReal(int column) const {
-        if (isNull(column)) return std::nullopt;
+        if (statement_.isNull(column)) return std::nullopt;
         return real(column);
     }
     std::optional<Date> optionalDate(int column) const {
-        if (isNull(column)) return std::nullopt;
+        if (statement_.isNull(column)) return std::nullopt;
         return date(column);
     }
-    std::optional<std::string> optionalText(int column) const {
-        if (isNull(column)) return std::nullopt;
-        return text(column);
-    }
+    std::optional<std::string> optionalText(int column) const { return statement_.text(column); }
 
 private:
     void check(int result) {
@@ -200,7 +183,7 @@ private:
     }
 
     SqliteSampleStore& store_;
-    sqlite3_stmt* stmt_;
+    SqliteStatement& statement_;
 };
 
 namespace {
@@ -250,41 +233,30 @@ UsageSample readSample(const auto& row, simdjson::dom::parser& parser) {
 SqliteSampleStore::SqliteSampleStore(std::filesystem::path path, Access access)
     : path_(std::move(path)), access_(access) {}
 
-SqliteSampleStore::~SqliteSampleStore() {
-    if (db_ == nullptr) return;
-    rollbackPending();
-    for (auto& [sql, stmt] : statements_) sqlite3_finalize(stmt);
-    sqlite3_close_v2(db_);
-}
+SqliteSampleStore::~SqliteSampleStore() { rollbackPending(); }
 
-void SqliteSampleStore::fail() {
-    throw StoreError(db_ != nullptr ? sqlite3_errmsg(db_) : "out of memory");
-}
+void SqliteSampleStore::fail() { throw StoreError(connection_ ? connection_->errorMessage() : "out of memory"); }
 
 sqlite3* SqliteSampleStore::database() {
     if (!schemaReady_) openAndPrepareSchema();
-    return db_;
+    return db();
 }
 
 // Retried by every operation until it succeeds, so a store that was locked or
 // unreadable once can recover without a new object.
 void SqliteSampleStore::openAndPrepareSchema() {
-    if (db_ == nullptr) {
+    if (!connection_) {
         const int flags = access_ == Access::readOnly ? SQLITE_OPEN_READONLY
                                                       : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-        const int result = sqlite3_open_v2(path_.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX, nullptr);
-        if (result != SQLITE_OK) {
-            const std::string message = db_ != nullptr ? sqlite3_errmsg(db_) : sqlite3_errstr(result);
-            sqlite3_close_v2(db_);
-            db_ = nullptr;
-            throw StoreError(message);
-        }
-        sqlite3_busy_timeout(db_, busyTimeoutMilliseconds);
+        std::string message;
+        connection_ = SqliteConnection::open(path_.string(), flags | SQLITE_OPEN_NOMUTEX, &message);
+        if (!connection_) throw StoreError(message);
+        sqlite3_busy_timeout(db(), busyTimeoutMilliseconds);
     }
     // SQLite falls back to reading a file it may not write: treat it as read-only.
-    if (access_ == Access::readOnly || sqlite3_db_readonly(db_, "main") == 1) {
+    if (access_ == Access::readOnly || sqlite3_db_readonly(db(), "main") == 1) {
         // Reading the schema is what tells a database from any other file.
-        if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_schema", nullptr, nullptr, nullptr) != SQLITE_OK) {
+        if (!connection_->execute("SELECT count(*) FROM sqlite_schema")) {
             if (access_ != Access::readOnly || !reopenAsImmutable()) fail();
         }
     } else {
@@ -299,30 +271,24 @@ void SqliteSampleStore::openAndPrepareSchema() {
 // the store there either, so it is read as it lies.
 bool SqliteSampleStore::reopenAsImmutable() {
     if (::access(path_.parent_path().empty() ? "." : path_.parent_path().c_str(), W_OK) == 0) return false;
-    sqlite3* immutable = nullptr;
-    const int result = sqlite3_open_v2(sqliteFileUri(path_, "mode=ro&immutable=1").c_str(), &immutable,
-                                       SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
-    if (result != SQLITE_OK ||
-        sqlite3_exec(immutable, "SELECT count(*) FROM sqlite_schema", nullptr, nullptr, nullptr) != SQLITE_OK) {
-        sqlite3_close_v2(immutable);
-        return false;
-    }
-    sqlite3_close_v2(db_);
-    db_ = immutable;
+    auto immutable = SqliteConnection::open(sqliteFileUri(path_, "mode=ro&immutable=1"),
+                                            SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX);
+    if (!immutable || !immutable->execute("SELECT count(*) FROM sqlite_schema")) return false;
+    connection_ = std::move(immutable);
     return true;
 }
 
 void SqliteSampleStore::execute(const char* sql) {
-    if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
+    if (!connection_->execute(sql)) fail();
 }
 
 SqliteSampleStore::Statement SqliteSampleStore::statement(const char* sql) {
-    sqlite3* db = database();
+    sqlite3* database = this->database();
     auto found = statements_.find(std::string_view(sql));
     if (found == statements_.end()) {
-        sqlite3_stmt* stmt = nullptr;
-        if (sqlite3_prepare_v3(db, sql, -1, SQLITE_PREPARE_PERSISTENT, &stmt, nullptr) != SQLITE_OK) fail();
-        found = statements_.emplace(sql, stmt).first;
+        auto prepared = SqliteStatement::prepare(database, sql, true);
+        if (!prepared) fail();
+        found = statements_.emplace(sql, std::move(*prepared)).first;
     }
     return Statement(*this, found->second);
 }
@@ -334,7 +300,7 @@ void SqliteSampleStore::beginChange() {
 }
 
 void SqliteSampleStore::rollbackPending() noexcept {
-    if (db_ != nullptr && sqlite3_get_autocommit(db_) == 0) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+    if (db() != nullptr && sqlite3_get_autocommit(db()) == 0) connection_->execute("ROLLBACK");
 }
 
 template <typename Change>
@@ -388,7 +354,7 @@ std::string SqliteSampleStore::insert(const UsageSample& sample) {
         auto query = statement(insertSampleSql);
         bindSample(query, sample);
         query.run();
-        return formatId(sampleIdPrefix, sqlite3_last_insert_rowid(db_));
+        return formatId(sampleIdPrefix, sqlite3_last_insert_rowid(db()));
     });
 }
 
@@ -407,9 +373,9 @@ void SqliteSampleStore::remove(const std::string& persistentId) {
 }
 
 void SqliteSampleStore::save() {
-    if (db_ == nullptr || sqlite3_get_autocommit(db_) != 0) return;
-    if (sqlite3_exec(db_, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
-        const std::string message = sqlite3_errmsg(db_);
+    if (db() == nullptr || sqlite3_get_autocommit(db()) != 0) return;
+    if (!connection_->execute("COMMIT")) {
+        const std::string message = connection_->errorMessage();
         rollbackPending();
         throw StoreError(message);
     }
@@ -443,7 +409,7 @@ int64_t SqliteSampleStore::deleteSlotExcept(const SampleSlot& slot, const std::s
             .bind(2, slot.tool)
             .bind(3, keeperRowId)
             .run();
-        return static_cast<int64_t>(sqlite3_changes64(db_));
+        return static_cast<int64_t>(sqlite3_changes64(db()));
     });
 }
 
@@ -487,7 +453,7 @@ std::string SqliteSampleStore::insertDayRecord(const DayRecord& record) {
             .bind(6, record.dayType)
             .bind(7, record.extraPersonal)
             .run();
-        return formatId(dayRecordIdPrefix, sqlite3_last_insert_rowid(db_));
+        return formatId(dayRecordIdPrefix, sqlite3_last_insert_rowid(db()));
     });
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/Result.hpp"
+#include "base/SqliteConnection.hpp"
+#include "base/SqliteStatement.hpp"
 #include "model/DayRecord.hpp"
 #include "store/SampleStore.hpp"
 
@@ -9,9 +11,6 @@
 #include <map>
 #include <string>
 #include <vector>
-
-struct sqlite3;
-struct sqlite3_stmt;
 
 namespace tallowen {
 
@@ -88,11 +87,14 @@ private:
     auto change(Change&& apply);
     [[noreturn]] void fail();
 
+    sqlite3* db() const { return connection_ ? connection_->handle() : nullptr; }
+
     std::filesystem::path path_;
     Access access_;
-    sqlite3* db_ = nullptr;
+    // Declared before the statements, so that they are finalized first.
+    std::optional<SqliteConnection> connection_;
     bool schemaReady_ = false;
-    std::map<std::string, sqlite3_stmt*, std::less<>> statements_;
+    std::map<std::string, SqliteStatement, std::less<>> statements_;
 };
 
 // Every sample of the store file, read without changing it; none when the

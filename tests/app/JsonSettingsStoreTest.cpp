@@ -46,6 +46,20 @@ TEST(JsonSettingsStoreTest, AValueOfAnotherTypeReadsAsAbsentAndSurvivesOtherWrit
               R"("usageSamplePurge.v1":1,"x":{"a":[1,null]}})");
 }
 
+TEST(JsonSettingsStoreTest, ANumberNoCalendarCanShowIsNoDate) {
+    TempDir dir;
+    const JsonSettingsStore settings = JsonSettingsStore::inSupportFolder(dir.path());
+    const struct {
+        const char* number;
+        bool usable;
+    } cases[] = {{"1e308", false}, {"-1e308", false}, {"1e300", false}, {"252423993600", false},
+                 {"252423993599", true}, {"-63113904000", true}, {"-63113904001", false}, {"0", true}};
+    for (const auto& c : cases) {
+        dir.write("settings.json", std::string(R"({"lastImportDate":)") + c.number + "}");
+        EXPECT_EQ(settings.dateValue("lastImportDate").has_value(), c.usable) << c.number;
+    }
+}
+
 TEST(JsonSettingsStoreTest, AMissingOrCorruptFileReadsAsEmptyAndIsReplacedWhole) {
     for (const char* contents : {"", "{\"lastImportDate\": 12", "[true]", "null"}) {
         SCOPED_TRACE(contents);

@@ -215,5 +215,36 @@ TEST_F(CommandsEndToEndTest, ThePanelShowsTodaysLogsInFrenchAndTheSummaryAgrees)
     EXPECT_EQ(json::stringMember(*menu, "detectedToolsText"), "CLAUDE CODE");
 }
 
+TEST_F(CommandsEndToEndTest, ALineTooBigForTheMemoryLimitWaitsForARunWithMoreAndCostsNothingElse) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__APPLE__)
+    GTEST_SKIP() << "needs an address-space limit that the address sanitizer and macOS do not honour";
+#endif
+    testing::writeUsageHome(scratch, "home");
+    // One reply whose text makes it 64 MB long.
+    std::string reply = R"({"type":"assistant","timestamp":"2025-03-16T09:00:00Z","message":{"model":"claude-sonnet-4-5",)"
+                        R"("content":[{"type":"text","text":")";
+    reply.append(64u << 20, 'x');
+    reply += R"("}],"usage":{"input_tokens":123456,"output_tokens":654321}}})";
+    scratch.write("home/.claude/projects/-home-dev-app/huge.jsonl", reply + "\n");
+    const auto importUnder = [&](const char* addressSpaceKilobytes) {
+        return testing::runCommand(std::string("ulimit -v ") + addressSpaceKilobytes + "; env TZ=Europe/Paris LC_ALL=C.UTF-8 " +
+                                       shellQuoted(TALLOWEN_EXE) + " import --home " + shellQuoted(home().string()) +
+                                       " --data " + shellQuoted(data().string()),
+                                   scratch.path());
+    };
+
+    const CommandResult tight = importUnder("250000");
+    EXPECT_EQ(tight.exitStatus, 0) << tight.standardError;
+    EXPECT_NE(tight.standardOutput.find("detected tools: claude-code, codex, cursor\nsamples: 5 inserted"),
+              std::string::npos)
+        << tight.standardOutput << tight.standardError;
+    EXPECT_EQ(tallowen("days --since 2025-03-16 --json").standardOutput.find("123456"), std::string::npos);
+
+    const CommandResult roomy = importUnder("800000");
+    EXPECT_NE(roomy.standardOutput.find("files: 1 read, 4 reused\n"), std::string::npos) << roomy.standardOutput;
+    const std::string day = tallowen("days --since 2025-03-16 --json").standardOutput;
+    EXPECT_NE(day.find("\"inputTokens\":123456,\"outputTokens\":654321"), std::string::npos) << day;
+}
+
 }  // namespace
 }  // namespace tallowen

@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <future>
 #include <thread>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tallowen {
@@ -365,6 +366,27 @@ TEST_F(UsageImporterTest, AMachineWithoutAnyToolDetectsOnlyTheActivatedApplicati
     EXPECT_EQ(report.samplesInserted, 2);
     EXPECT_EQ(importer.todaySessions(), 2);
     EXPECT_EQ(importer.todayTokens(), 0);
+}
+
+TEST_F(UsageImporterTest, ARunClearsTheTemporaryFilesOfKilledWritersOnly) {
+    std::filesystem::create_directories(home());
+    const pid_t gone = ::fork();
+    if (gone == 0) ::_exit(0);
+    ::waitpid(gone, nullptr, 0);
+    const std::string stale[] = {"settings.json.tmp-" + std::to_string(gone),
+                                 "import-state.json.tmp-" + std::to_string(::getpid())};
+    // Still being written by a live process, or not named like a temporary file at all.
+    const std::string kept[] = {"app-activations.json.tmp-" + std::to_string(::getppid()), "notes.tmp-x",
+                                ".tmp-" + std::to_string(gone), "a.tmp-" + std::to_string(gone) + "0x"};
+    for (const auto& name : stale) scratch.write("support/" + name, "{\"half");
+    for (const auto& name : kept) scratch.write("support/" + name, "{\"half");
+
+    AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
+    MemorySettingsStore settings;
+    UsageImporter importer(environment(), storeOpener(), settings, activity);
+    importer.runImport();
+    for (const auto& name : stale) EXPECT_FALSE(std::filesystem::exists(support() / name)) << name;
+    for (const auto& name : kept) EXPECT_TRUE(std::filesystem::exists(support() / name)) << name;
 }
 
 }  // namespace

@@ -207,6 +207,32 @@ TEST_F(LogFolderScannerTest, AFileGoneBeforeOrDuringTheScanKeepsItsEntryButNoLon
     EXPECT_EQ(result.days->at("2025-03-14").sessions, (std::set<std::string>{"a#0"}));
 }
 
+TEST_F(LogFolderScannerTest, AFileThatRunsOutOfMemoryKeepsItsOldEntryAndTheOthersAreRead) {
+    const Date morning = localDate(2025, 3, 14, 10);
+    home.write("projects/a.jsonl", eventLine(morning, 1, 1));
+    const auto big = home.write("projects/b.jsonl", eventLine(morning, 100, 10));
+    home.write("projects/c.jsonl", eventLine(morning, 1000, 1));
+    scanFolder();
+    const FileEntry before = files.at(big.string());
+
+    home.write("projects/b.jsonl", eventLine(morning, 200, 20));
+    home.write("projects/c.jsonl", eventLine(morning, 3000, 3));
+    const LogReaderMaker failingOnB = [] {
+        return [](LineRuns& lines) {
+            std::string bytes;
+            lines.forEachRun([&](std::string_view run) { bytes += run; });
+            if (bytes.find(" 200 ") != std::string::npos) throw std::bad_alloc();
+            return CountingReader::readBytes(bytes);
+        };
+    };
+    const FolderScan result = scan(folder(), files, failingOnB, calendar);
+    EXPECT_EQ(result.counters.filesRead, 1);
+    EXPECT_EQ(result.counters.filesReused, 1);
+    EXPECT_EQ(result.counters.filesUnreadable, 1);
+    EXPECT_EQ(files.at(big.string()), before);
+    EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 3001);
+}
+
 TEST_F(LogFolderScannerTest, AFileShortenedWhileBeingReadIsDroppedForThisRunWithoutStopping) {
     const Date morning = localDate(2025, 3, 14, 10);
     const auto log = home.write("projects/a.jsonl", eventLine(morning, 1, 1));
@@ -227,22 +253,24 @@ TEST_F(LogFolderScannerTest, AFileShortenedWhileBeingReadIsDroppedForThisRunWith
     EXPECT_EQ(scanFolder().counters.filesRead, 1);
 }
 
-TEST_F(LogFolderScannerTest, ALogNameThatIsNotUtf8NeitherSpoilsTheSavedStateNorIsReadAgain) {
+TEST_F(LogFolderScannerTest, LogNamesThatAreNotUtf8KeepTheirOwnEntriesAndAreNotReadAgain) {
     const Date morning = localDate(2025, 3, 14, 10);
     home.write("projects/plain.jsonl", eventLine(morning, 1, 1));
+    // Two names apart only in bytes that are not UTF-8.
     home.write("projects/caf\xe9-\xff.jsonl", eventLine(morning, 100, 10));
+    home.write("projects/caf\xe9-\xfe.jsonl", eventLine(morning, 1000, 0));
     const FolderScan cold = scanFolder();
-    ASSERT_EQ(cold.counters.filesRead, 2);
-    EXPECT_EQ(cold.days->at("2025-03-14").sessions,
-              (std::set<std::string>{"caf\xef\xbf\xbd-\xef\xbf\xbd#0", "plain#0"}));
+    ASSERT_EQ(cold.counters.filesRead, 3);
+    EXPECT_EQ(cold.days->at("2025-03-14").inputTokens, 1101);
     const ImportStateFile file(home.path() / "support");
     ASSERT_TRUE(file.save(ImportState{.files = files}));
 
     files = file.load().files;
-    EXPECT_EQ(files.size(), 2u);
+    EXPECT_EQ(files.size(), 3u);
+    EXPECT_TRUE(files.count(home.path().string() + ("/projects/caf\xef\xbf\xbd" "E9-\xef\xbf\xbd" "FF.jsonl")));
     const FolderScan warm = scanFolder();
     EXPECT_EQ(warm.counters.filesRead, 0);
-    EXPECT_EQ(warm.counters.filesReused, 2);
+    EXPECT_EQ(warm.counters.filesReused, 3);
     EXPECT_EQ(warm.days, cold.days);
 }
 
