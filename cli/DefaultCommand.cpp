@@ -1,5 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "Options.hpp"
 #include "PanelData.hpp"
 #include "TerminalImporter.hpp"
@@ -34,7 +35,7 @@ int runDefaultCommand(const std::vector<std::string>& arguments) {
         std::fprintf(stderr, "tallowen: %s\n", error.c_str());
         return 1;
     }
-    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
     const Date now = environment->clock();
     ImporterState state = importerState(importer);
     if (report.dropped()) state.detectedTools = storedImporterState(*environment, *samples).detectedTools;

@@ -1,5 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "Options.hpp"
 #include "PanelData.hpp"
 #include "TerminalStyle.hpp"
@@ -19,7 +20,7 @@ int runPanelCommand(const std::vector<std::string>& arguments) {
         std::fprintf(stderr, "tallowen: panel: %s\n", error.c_str());
         return 1;
     }
-    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
     const Date now = environment.clock();
     const MenuModel model =
         terminalMenuModel(*samples, storedImporterState(environment, *samples), now, environment, locale);

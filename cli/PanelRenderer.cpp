@@ -173,7 +173,7 @@ void footer(Lines& out, const MenuModel& model, const PanelFrame& frame) {
 }  // namespace
 
 CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale) {
-    return CountingText{model.todayTokens, [locale](int64_t n) { return tokenText(n, locale); },
+    return CountingText{model.todayTokens, [&locale](int64_t n) { return tokenText(n, locale); },
                         model.tokenRatePerSecond};
 }
 

@@ -24,7 +24,7 @@ struct PanelFrame {
 };
 
 // The menu's token counter for a model: today's tokens, the token format,
-// the model's pace.
+// the model's pace. The counter formats with `locale`, which must outlive it.
 CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale);
 
 // The panel as lines of at most `panelWidth` columns, top to bottom: title,

@@ -1,5 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "Options.hpp"
 #include "PanelData.hpp"
 #include "PanelRenderer.hpp"
@@ -138,7 +139,7 @@ int runSummaryCommand(const std::vector<std::string>& arguments) {
         std::fprintf(stderr, "tallowen: summary: %s\n", error.c_str());
         return 1;
     }
-    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
     const Date now = environment.clock();
     const ImporterState importer = storedImporterState(environment, *samples);
     const MenuModel model = terminalMenuModel(*samples, importer, now, environment, locale);

@@ -1,5 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "Options.hpp"
 #include "TerminalImporter.hpp"
 #include "WatchPanel.hpp"
@@ -137,7 +138,7 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     WatchKeys keys;
     const bool outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     restoreTerminalOnForcedStop(keys, outputIsTerminal);
-    WatchPanelView view(environment, LocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
+    WatchPanelView view(environment, IcuLocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
                         environment.clock());
     // The purge runs inside the end of a run: its progress is drawn as it is published.
     importer.setObserver([&](ImporterProperty property) {

@@ -20,7 +20,7 @@ int64_t millisecondsBetween(Date from, Date to) {
 
 }  // namespace
 
-WatchPanelView::WatchPanelView(const EngineEnvironment& environment, LocaleFormatter locale, std::FILE* stream,
+WatchPanelView::WatchPanelView(const EngineEnvironment& environment, IcuLocaleFormatter locale, std::FILE* stream,
                                bool isTerminal, bool showsKeyHints, Date started)
     : environment_(environment),
       locale_(std::move(locale)),

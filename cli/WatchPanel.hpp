@@ -4,7 +4,7 @@
 #include "model/EngineEnvironment.hpp"
 #include "import/UsageImporter.hpp"
 #include "ui/CountingText.hpp"
-#include "ui/LocaleFormatter.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "ui/MenuModel.hpp"
 #include "ui/TypewriterTitle.hpp"
 
@@ -27,7 +27,7 @@ inline constexpr std::string_view leaveAlternateScreen = "\x1b[?25h\x1b[?1049l";
 // between imports; elsewhere it is printed once after every import.
 class WatchPanelView {
 public:
-    WatchPanelView(const EngineEnvironment& environment, LocaleFormatter locale, std::FILE* stream, bool isTerminal,
+    WatchPanelView(const EngineEnvironment& environment, IcuLocaleFormatter locale, std::FILE* stream, bool isTerminal,
                    bool showsKeyHints, Date started);
     ~WatchPanelView();
     WatchPanelView(const WatchPanelView&) = delete;
@@ -52,7 +52,7 @@ private:
     void draw(Date now);
 
     const EngineEnvironment& environment_;
-    LocaleFormatter locale_;
+    IcuLocaleFormatter locale_;
     std::FILE* stream_;
     bool isTerminal_;
     bool showsKeyHints_;

@@ -1,4 +1,5 @@
 #include "BigDigits.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "TextWidth.hpp"
 #include "model/DayKey.hpp"
 #include "model/Iso8601Format.hpp"
@@ -112,7 +113,7 @@ TEST_F(PanelEndToEndTest, ImportThenPanelShowsTheFiguresOfTheLogsInFrench) {
     const int64_t codexCents = costCents(modelPrice("gpt-5", true), 20000, 0, 15000, 1500);
     const int64_t codexWater = waterMilliliters(5000, 1500, 15000);
 
-    const LocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter french("fr_FR");
     const int64_t todayCents = today1.cents() + today2.cents() + codexCents;
     const int64_t todayWater = today1.water() + today2.water() + codexWater;
     const int64_t weekTokens = today1.tokens() + today2.tokens() + 21500 + twoDaysAgo.tokens();

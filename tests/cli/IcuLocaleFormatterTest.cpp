@@ -1,6 +1,6 @@
 #include "support/Dates.hpp"
 #include "support/ScopedTimeZone.hpp"
-#include "ui/LocaleFormatter.hpp"
+#include "IcuLocaleFormatter.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,8 +14,8 @@ namespace {
 #define NBSP "\u00a0"
 
 TEST(LocaleFormatterTest, FormatsNumbersMoneyAndSeparatorsPerLocale) {
-    const LocaleFormatter french("fr_FR");
-    const LocaleFormatter english("en_US");
+    const IcuLocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter english("en_US");
     EXPECT_EQ(french.decimalSeparator(), ",");
     EXPECT_EQ(english.decimalSeparator(), ".");
 
@@ -36,8 +36,8 @@ TEST(LocaleFormatterTest, FormatsNumbersMoneyAndSeparatorsPerLocale) {
 }
 
 TEST(LocaleFormatterTest, TimeAgoUsesTheLargestWholeUnitInNamedWideWords) {
-    const LocaleFormatter french("fr_FR");
-    const LocaleFormatter english("en_US");
+    const IcuLocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter english("en_US");
     struct Case {
         double seconds;
         const char* french;
@@ -61,8 +61,8 @@ TEST(LocaleFormatterTest, TimeAgoUsesTheLargestWholeUnitInNamedWideWords) {
 TEST(LocaleFormatterTest, ShortTimeIsTheLocalTimeOfDay) {
     testing::ScopedTimeZone zone("Europe/Paris");
     const Date afternoon = testing::utcDate(2026, 3, 7, 13, 5, 30);  // 14:05:30 in Paris
-    EXPECT_EQ(LocaleFormatter("fr_FR").shortTime(afternoon), "14:05");
-    EXPECT_EQ(LocaleFormatter("en_US").shortTime(afternoon), "2:05" NNBSP "PM");
+    EXPECT_EQ(IcuLocaleFormatter("fr_FR").shortTime(afternoon), "14:05");
+    EXPECT_EQ(IcuLocaleFormatter("en_US").shortTime(afternoon), "2:05" NNBSP "PM");
 }
 
 TEST(LocaleFormatterTest, LocaleNameComesFromTheFirstSetVariable) {

@@ -1,10 +1,12 @@
-#include "ui/LocaleFormatter.hpp"
+#include "IcuLocaleFormatter.hpp"
 
 #include <unicode/dcfmtsym.h>
+#include <unicode/locid.h>
 #include <unicode/numberformatter.h>
 #include <unicode/reldatefmt.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/unistr.h>
 
 #include <cmath>
 #include <cstdio>
@@ -37,7 +39,7 @@ int clampedFractionDigits(int digits) { return digits < 0 ? 0 : (digits > 15 ? 1
 
 }  // namespace
 
-LocaleFormatter::LocaleFormatter(std::string localeName) : localeName_(std::move(localeName)) {
+IcuLocaleFormatter::IcuLocaleFormatter(std::string localeName) : localeName_(std::move(localeName)) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::DecimalFormatSymbols symbols(icu::Locale(localeName_.c_str()), status);
     decimalSeparator_ =
@@ -45,22 +47,22 @@ LocaleFormatter::LocaleFormatter(std::string localeName) : localeName_(std::move
     if (decimalSeparator_.empty()) decimalSeparator_ = ".";
 }
 
-LocaleFormatter LocaleFormatter::forProcess() {
-    return LocaleFormatter(icuLocaleNameFromEnvironment([](const char* name) -> std::optional<std::string> {
+IcuLocaleFormatter IcuLocaleFormatter::forProcess() {
+    return IcuLocaleFormatter(icuLocaleNameFromEnvironment([](const char* name) -> std::optional<std::string> {
         const char* value = std::getenv(name);
         if (value == nullptr) return std::nullopt;
         return std::string(value);
     }));
 }
 
-std::string LocaleFormatter::decimal(double value, int fractionDigits) const {
+std::string IcuLocaleFormatter::decimal(double value, int fractionDigits) const {
     const int digits = clampedFractionDigits(fractionDigits);
     const auto formatter = icu::number::NumberFormatter::withLocale(icu::Locale(localeName_.c_str()))
                                .precision(icu::number::Precision::fixedFraction(digits));
     return formattedOrFallback(formatter, value, digits);
 }
 
-std::string LocaleFormatter::groupedInteger(int64_t value) const {
+std::string IcuLocaleFormatter::groupedInteger(int64_t value) const {
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString text = icu::number::NumberFormatter::withLocale(icu::Locale(localeName_.c_str()))
                                         .formatInt(value, status)
@@ -69,7 +71,7 @@ std::string LocaleFormatter::groupedInteger(int64_t value) const {
     return std::to_string(value);
 }
 
-std::string LocaleFormatter::usDollars(double dollars, int fractionDigits) const {
+std::string IcuLocaleFormatter::usDollars(double dollars, int fractionDigits) const {
     const int digits = clampedFractionDigits(fractionDigits);
     UErrorCode status = U_ZERO_ERROR;
     const icu::CurrencyUnit usd(u"USD", status);
@@ -80,7 +82,7 @@ std::string LocaleFormatter::usDollars(double dollars, int fractionDigits) const
     return formattedOrFallback(formatter, dollars, digits);
 }
 
-std::string LocaleFormatter::timeAgo(double elapsedSeconds) const {
+std::string IcuLocaleFormatter::timeAgo(double elapsedSeconds) const {
     const double seconds = std::isfinite(elapsedSeconds) && elapsedSeconds > 0 ? elapsedSeconds : 0;
     struct Unit {
         double seconds;
@@ -112,7 +114,7 @@ std::string LocaleFormatter::timeAgo(double elapsedSeconds) const {
     return buffer;
 }
 
-std::string LocaleFormatter::shortTime(Date date) const {
+std::string IcuLocaleFormatter::shortTime(Date date) const {
     // The wall-clock fields come from the process's zone (TZ is honoured even
     // when it changes); ICU then only lays them out, in GMT so it adds no offset.
     const double unix = std::floor(date.unixSeconds());
@@ -132,6 +134,12 @@ std::string LocaleFormatter::shortTime(Date date) const {
     formatter->format(wallClockMilliseconds, text);
     if (U_FAILURE(status) || text.isEmpty()) return fallback;
     return utf8(text);
+}
+
+std::string IcuLocaleFormatter::upperCased(const std::string& text) const {
+    icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(text);
+    unicode.toUpper(icu::Locale::getRoot());
+    return utf8(unicode);
 }
 
 std::string icuLocaleNameForPosixLocale(const std::string& posixLocale) {
