@@ -70,21 +70,47 @@ int64_t purgeDuplicates(SampleStore& store, const std::set<std::string>& runKeys
     return deleted;
 }
 
-PurgeOutcome runOneTimePurge(SampleStore& store, SettingsStore& settings, const std::set<std::string>& runKeys,
-                             const PurgeProgress& progress, const LogLine& log) {
+namespace {
+
+PurgeOutcome purgeReporting(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress) {
     PurgeOutcome outcome;
-    if (settings.boolValue(purgeDoneSettingsKey)) return outcome;
     outcome.ran = true;
-    if (progress) progress(0);
     try {
         outcome.deleted = purgeDuplicates(store, runKeys, progress);
     } catch (const StoreError& error) {
         outcome.error = std::string("Nettoyage des doublons : ") + error.what();
-        return outcome;
     }
+    return outcome;
+}
+
+}  // namespace
+
+PurgeOutcome PurgeJob::run(const PurgeProgress& progress) const {
+    std::unique_ptr<SampleStore> store;
+    try {
+        store = openStore();
+    } catch (const std::exception& error) {
+        PurgeOutcome failed;
+        failed.ran = true;
+        failed.error = std::string("Nettoyage des doublons : ") + error.what();
+        return failed;
+    }
+    return purgeReporting(*store, runKeys, progress);
+}
+
+void recordPurgeOutcome(const PurgeOutcome& outcome, SettingsStore& settings, const LogLine& log) {
+    if (!outcome.ran || outcome.error) return;
     settings.setBool(purgeDoneSettingsKey, true);
     if (outcome.deleted > 0 && log)
         log("TallowenCompanion: " + std::to_string(outcome.deleted) + " doublon(s) supprimé(s)");
+}
+
+PurgeOutcome runOneTimePurge(SampleStore& store, SettingsStore& settings, const std::set<std::string>& runKeys,
+                             const PurgeProgress& progress, const LogLine& log) {
+    if (settings.boolValue(purgeDoneSettingsKey)) return PurgeOutcome{};
+    if (progress) progress(0);
+    const PurgeOutcome outcome = purgeReporting(store, runKeys, progress);
+    recordPurgeOutcome(outcome, settings, log);
     return outcome;
 }
 

@@ -30,6 +30,20 @@ using LogLine = std::function<void(const std::string& line)>;
 int64_t purgeDuplicates(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress,
                         int64_t pageSize = 50000);
 
+// The one-time purge of an import run, as a job for a thread of its own: it
+// opens a store of its own and touches nothing else.
+struct PurgeJob {
+    SampleStoreOpener openStore;
+    std::set<std::string> runKeys;
+
+    // `ran` is true; `error` is set when the store failed.
+    PurgeOutcome run(const PurgeProgress& progress) const;
+};
+
+// After a purge that completed: sets the flag and logs
+// "TallowenCompanion: N doublon(s) supprimé(s)" when anything was deleted.
+void recordPurgeOutcome(const PurgeOutcome& outcome, SettingsStore& settings, const LogLine& log);
+
 // The once-per-installation purge: skipped when the flag is set; on success
 // sets the flag and logs "TallowenCompanion: N doublon(s) supprimé(s)" when
 // anything was deleted.

@@ -1,7 +1,6 @@
 #include "import/UsageImporter.hpp"
 
 #include "base/SupportFolderLock.hpp"
-#include "import/ImportStateFile.hpp"
 #include "import/SampleWriter.hpp"
 #include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
@@ -13,19 +12,14 @@
 
 namespace tallowen {
 
-// What the background thread hands back.
-struct UsageImporter::FileWork {
-    LogReadOutcome logs;
-    // An unexpected failure of the file work; the run goes on without results.
-    std::optional<std::string> failure;
-};
-
 // Members are destroyed last to first: the file work is waited for before
 // the lock is let go.
 struct UsageImporter::RunInProgress {
     SupportFolderLock lock;
     ToolResults activityResults;
-    std::future<FileWork> fileWork;
+    // Set when the file work runs on a thread of the engine's own.
+    std::future<ImportFileWork> fileWork;
+    bool purgeUnderWay = false;
     std::chrono::steady_clock::time_point startedAt = std::chrono::steady_clock::now();
 };
 
@@ -39,23 +33,6 @@ std::set<std::string> sampleKeysOf(const ToolResults& results) {
 }
 
 }  // namespace
-
-UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& homeFolder,
-                                                  const std::filesystem::path& supportFolder, LocalCalendar calendar,
-                                                  const LogReading& readLogs) {
-    FileWork work;
-    try {
-        const ImportStateFile stateFile(supportFolder);
-        ImportState state = stateFile.load();
-        work.logs = readLogs(homeFolder, state.files, calendar, nullptr);
-        // A failed save only makes the next run read every file again.
-        stateFile.save(state);
-    } catch (const std::exception& failure) {
-        work.logs = LogReadOutcome{};
-        work.failure = failure.what();
-    }
-    return work;
-}
 
 UsageImporter::UsageImporter(EngineEnvironment environment, SampleStoreOpener openStore, SettingsStore& settings,
                              AppActivityRecorder& activity, LogReading readLogs)
@@ -74,35 +51,60 @@ UsageImporter::UsageImporter(EngineEnvironment environment, SampleStoreOpener op
 // and its results are dropped; the next run rebuilds them from the files.
 UsageImporter::~UsageImporter() = default;
 
-ImportRunReport::Outcome UsageImporter::startImport() {
-    if (isImporting_) return ImportRunReport::Outcome::droppedRunUnderWay;
+std::optional<ImportFileWork> UsageImporter::beginRun(ImportRunReport::Outcome& outcome) {
+    outcome = ImportRunReport::Outcome::droppedRunUnderWay;
+    if (isImporting_) return std::nullopt;
     std::error_code ignored;
     std::filesystem::create_directories(environment_.supportFolder, ignored);
     SupportFolderLock lock = SupportFolderLock::tryAcquire(environment_.supportFolder);
     // A folder where no lock can be taken is one where no other process can
     // import either; the run goes on and meets the folder's faults itself.
-    if (lock.status() == SupportFolderLock::Status::busy) return ImportRunReport::Outcome::droppedOtherProcess;
+    outcome = ImportRunReport::Outcome::droppedOtherProcess;
+    if (lock.status() == SupportFolderLock::Status::busy) return std::nullopt;
 
+    outcome = ImportRunReport::Outcome::completed;
     isImporting_ = true;
     publish(ImporterProperty::isImporting);
     setLastError(std::nullopt);
-    ToolResults activityResults = activity_.dayUsage(environment_.calendar);
-
-    auto fileWork = std::async(std::launch::async, doFileWork, environment_.homeFolder,
-                               environment_.supportFolder, environment_.calendar, readLogs_);
     run_ = std::make_unique<RunInProgress>(
-        RunInProgress{std::move(lock), std::move(activityResults), std::move(fileWork)});
-    return ImportRunReport::Outcome::completed;
+        RunInProgress{std::move(lock), activity_.dayUsage(environment_.calendar), {}, false,
+                      std::chrono::steady_clock::now()});
+    return ImportFileWork{environment_.homeFolder, environment_.supportFolder, environment_.calendar, readLogs_, {}, {}};
+}
+
+std::optional<PurgeJob> UsageImporter::purgeJob(const ImportFileWork& work) {
+    // Once done, the purge is skipped without a word to the observers.
+    if (!run_ || settings_.boolValue(purgeDoneSettingsKey)) return std::nullopt;
+    run_->purgeUnderWay = true;
+    setPurgeProgress(0.0);
+    return PurgeJob{openStore_, sampleKeysOf(work.logs.results)};
+}
+
+void UsageImporter::purgeProgressed(double fraction) {
+    if (run_ && run_->purgeUnderWay) setPurgeProgress(fraction);
+}
+
+ImportRunReport::Outcome UsageImporter::startImport() {
+    ImportRunReport::Outcome outcome;
+    std::optional<ImportFileWork> work = beginRun(outcome);
+    if (!work) return outcome;
+    run_->fileWork = std::async(std::launch::async, [work = std::move(*work)]() mutable {
+        work.run();
+        return std::move(work);
+    });
+    return outcome;
 }
 
 std::optional<ImportRunReport> UsageImporter::finishImportIfReady() {
-    if (!run_ || run_->fileWork.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return std::nullopt;
+    if (!run_ || !run_->fileWork.valid() ||
+        run_->fileWork.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+        return std::nullopt;
     return finishImport();
 }
 
 std::optional<ImportRunReport> UsageImporter::finishImport() {
-    if (!run_) return std::nullopt;
-    return complete(run_->fileWork.get());
+    if (!run_ || !run_->fileWork.valid()) return std::nullopt;
+    return finishWith(run_->fileWork.get());
 }
 
 ImportRunReport UsageImporter::runImport() {
@@ -115,13 +117,26 @@ ImportRunReport UsageImporter::runImport() {
     return *finishImport();
 }
 
-ImportRunReport UsageImporter::complete(FileWork work) {
+ImportRunReport UsageImporter::finishWith(ImportFileWork work) {
+    std::optional<PurgeOutcome> purge;
+    if (const std::optional<PurgeJob> job = purgeJob(work))
+        purge = job->run([this](double fraction) { purgeProgressed(fraction); });
+    return completeRun(std::move(work), std::move(purge));
+}
+
+ImportRunReport UsageImporter::completeRun(ImportFileWork work, std::optional<PurgeOutcome> purge) {
     ImportRunReport report;
+    if (!run_) {
+        report.outcome = ImportRunReport::Outcome::droppedRunUnderWay;
+        return report;
+    }
     if (work.failure) logLine_("TallowenCompanion: " + *work.failure);
     report.filesRead = work.logs.counters.filesRead;
     report.filesReused = work.logs.counters.filesReused;
     ToolResults results = std::move(work.logs.results);
     std::vector<UsageTool> detected = std::move(work.logs.detected);
+
+    if (purge) applyPurge(*purge, report);
 
     std::unique_ptr<SampleStore> store;
     try {
@@ -129,8 +144,6 @@ ImportRunReport UsageImporter::complete(FileWork work) {
     } catch (const std::exception& error) {
         setLastError(unreadableStoreText(error));
     }
-
-    if (store) runPurge(*store, results, report);
 
     for (auto& [tool, days] : run_->activityResults) {
         if (days.empty()) continue;
@@ -171,12 +184,9 @@ ImportRunReport UsageImporter::complete(FileWork work) {
     return report;
 }
 
-void UsageImporter::runPurge(SampleStore& store, const ToolResults& readerResults, ImportRunReport& report) {
-    // Once done, the purge is skipped without a word to the observers.
-    if (settings_.boolValue(purgeDoneSettingsKey)) return;
-    const PurgeOutcome purge = runOneTimePurge(
-        store, settings_, sampleKeysOf(readerResults), [this](double fraction) { setPurgeProgress(fraction); },
-        logLine_);
+void UsageImporter::applyPurge(const PurgeOutcome& purge, ImportRunReport& report) {
+    run_->purgeUnderWay = false;
+    recordPurgeOutcome(purge, settings_, logLine_);
     if (purge.error) {
         setLastError(purge.error);
     } else if (purge.deleted > 0) {

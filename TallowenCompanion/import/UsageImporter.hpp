@@ -4,6 +4,7 @@
 #include "model/EngineEnvironment.hpp"
 #include "model/SettingsStore.hpp"
 #include "import/DuplicatePurge.hpp"
+#include "import/ImportFileWork.hpp"
 #include "import/ImportRunReport.hpp"
 #include "readers/UsageReaders.hpp"
 #include "store/SampleStore.hpp"
@@ -32,21 +33,16 @@ enum class ImporterProperty {
     purgeProgress,
 };
 
-// Opens the sample store for one run; throws StoreError when it cannot.
-using SampleStoreOpener = std::function<std::unique_ptr<SampleStore>()>;
-// The log readers' pass over a home folder (readAllLogs outside tests).
-using LogReading =
-    std::function<LogReadOutcome(const std::filesystem::path& homeFolder, FileEntries& files, const LocalCalendar&,
-                                  ScanProgress* progress)>;
-
 // The engine the rest of the application talks to. One import run reads the
 // logs and the activation stamps, runs the one-time duplicate purge, writes
 // one sample per day and tool and publishes a few figures.
 //
 // Everything here is called on one thread (the main thread). The file work
-// of a run (the import state file and the logs) runs on one background thread
-// and comes back as a value when the caller finishes the run; nothing is
-// shared with that thread while it works.
+// of a run (the import state file and the logs) and the one-time purge run
+// elsewhere and come back as values; nothing is shared with them while they
+// work. A shell with threads of its own drives a run in steps: beginRun, the
+// file work, purgeJob and its run, completeRun. startImport and finishImport
+// do the same with a thread of the engine's own.
 class UsageImporter {
 public:
     UsageImporter(EngineEnvironment environment, SampleStoreOpener openStore, SettingsStore& settings,
@@ -55,7 +51,22 @@ public:
     UsageImporter(const UsageImporter&) = delete;
     UsageImporter& operator=(const UsageImporter&) = delete;
 
-    // Starts a run and sends its file work to the background. A request made
+    // Starts a run on this thread: guards against a second one, clears the
+    // last error, takes the activations' days and returns the file work for
+    // the caller to run anywhere, once. Nothing when the request is dropped,
+    // with `outcome` saying why.
+    std::optional<ImportFileWork> beginRun(ImportRunReport::Outcome& outcome);
+    // After the file work: the one-time purge to run before completing, on
+    // its own thread; nothing when it has already completed. Publishes a
+    // progress of 0 when there is one.
+    std::optional<PurgeJob> purgeJob(const ImportFileWork& work);
+    // The purge moved on; ignored when no purge of this run is under way.
+    void purgeProgressed(double fraction);
+    // Completes the run begun by beginRun with its file work and, when there
+    // was one, the purge's outcome: writes the samples and publishes.
+    ImportRunReport completeRun(ImportFileWork work, std::optional<PurgeOutcome> purge);
+
+    // Starts a run and sends its file work to a thread of the engine. A request made
     // while a run is under way, here or in another process on the same
     // support folder, is dropped: nothing changes and the outcome says why.
     ImportRunReport::Outcome startImport();
@@ -82,14 +93,10 @@ public:
     std::optional<double> purgeProgress() const { return purgeProgress_; }
 
 private:
-    struct FileWork;
     struct RunInProgress;
 
-    // Runs on the background thread: touches nothing of the engine.
-    static FileWork doFileWork(const std::filesystem::path& homeFolder, const std::filesystem::path& supportFolder,
-                               LocalCalendar calendar, const LogReading& readLogs);
-    ImportRunReport complete(FileWork work);
-    void runPurge(SampleStore& store, const ToolResults& readerResults, ImportRunReport& report);
+    ImportRunReport finishWith(ImportFileWork work);
+    void applyPurge(const PurgeOutcome& purge, ImportRunReport& report);
     void recomputeTodayFigures(SampleStore& store, Date now);
 
     void publish(ImporterProperty property) const;

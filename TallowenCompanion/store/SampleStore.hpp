@@ -3,6 +3,8 @@
 #include "model/UsageSample.hpp"
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -55,5 +57,8 @@ public:
     // Slots of the records sorted by day key then tool, `limit` from `offset`.
     virtual std::vector<SampleSlot> slotPage(int64_t offset, int64_t limit) = 0;
 };
+
+// Opens the sample store afresh (a context of its own); throws StoreError when it cannot.
+using SampleStoreOpener = std::function<std::unique_ptr<SampleStore>()>;
 
 }  // namespace tallowen
