@@ -136,7 +136,13 @@ ImportRunReport UsageImporter::completeRun(ImportFileWork work, std::optional<Pu
     ToolResults results = std::move(work.logs.results);
     std::vector<UsageTool> detected = std::move(work.logs.detected);
 
-    if (purge) applyPurge(*purge, report);
+    if (purge) {
+        applyPurge(*purge, report);
+    } else if (run_->purgeUnderWay) {
+        // A purge handed out and never run: it is due again next time.
+        run_->purgeUnderWay = false;
+        setPurgeProgress(std::nullopt);
+    }
 
     std::unique_ptr<SampleStore> store;
     try {
