@@ -1,0 +1,7 @@
+import Foundation
+import Testing
+@testable import TallowenKit
+
+@Test func standardSupportFolderIsTallowenMac() {
+    #expect(EngineFolders.standard().support.lastPathComponent == "TallowenMac")
+}
