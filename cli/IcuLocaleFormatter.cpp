@@ -82,36 +82,19 @@ std::string IcuLocaleFormatter::usDollars(double dollars, int fractionDigits) co
     return formattedOrFallback(formatter, dollars, digits);
 }
 
-std::string IcuLocaleFormatter::timeAgo(double elapsedSeconds) const {
-    const double seconds = std::isfinite(elapsedSeconds) && elapsedSeconds > 0 ? elapsedSeconds : 0;
-    struct Unit {
-        double seconds;
-        URelativeDateTimeUnit unit;
-    };
-    // Months and years as the fixed lengths a reader rounds to anyway.
-    constexpr Unit units[] = {
-        {365.0 * 86400, UDAT_REL_UNIT_YEAR}, {30.0 * 86400, UDAT_REL_UNIT_MONTH}, {7.0 * 86400, UDAT_REL_UNIT_WEEK},
-        {86400, UDAT_REL_UNIT_DAY},          {3600, UDAT_REL_UNIT_HOUR},          {60, UDAT_REL_UNIT_MINUTE},
-        {1, UDAT_REL_UNIT_SECOND},
-    };
-    Unit chosen = units[std::size(units) - 1];
-    for (const Unit& unit : units) {
-        if (seconds >= unit.seconds) {
-            chosen = unit;
-            break;
-        }
-    }
-    const double count = std::floor(seconds / chosen.seconds);
+std::string IcuLocaleFormatter::timeAgo(RelativeTime elapsed) const {
+    constexpr URelativeDateTimeUnit units[] = {UDAT_REL_UNIT_SECOND, UDAT_REL_UNIT_MINUTE, UDAT_REL_UNIT_HOUR,
+                                               UDAT_REL_UNIT_DAY,    UDAT_REL_UNIT_WEEK,   UDAT_REL_UNIT_MONTH,
+                                               UDAT_REL_UNIT_YEAR};
     UErrorCode status = U_ZERO_ERROR;
     icu::RelativeDateTimeFormatter formatter(icu::Locale(localeName_.c_str()), nullptr, UDAT_STYLE_LONG,
                                              UDISPCTX_CAPITALIZATION_NONE, status);
     icu::UnicodeString text;
     // The named form where the language has one ("hier", "la semaine dernière"), else the number.
-    if (U_SUCCESS(status)) formatter.format(-count, chosen.unit, text, status);
+    if (U_SUCCESS(status))
+        formatter.format(-static_cast<double>(elapsed.count), units[static_cast<int>(elapsed.unit)], text, status);
     if (U_SUCCESS(status)) return utf8(text);
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.0f s", seconds);
-    return buffer;
+    return std::to_string(elapsed.count);
 }
 
 std::string IcuLocaleFormatter::shortTime(Date date) const {

@@ -22,6 +22,13 @@ std::string fixed(double value, int fractionDigits) {
     return buffer;
 }
 
+static_assert(static_cast<int>(RelativeTimeUnit::second) == TW_TIME_UNIT_SECOND &&
+              static_cast<int>(RelativeTimeUnit::week) == TW_TIME_UNIT_WEEK &&
+              static_cast<int>(RelativeTimeUnit::year) == TW_TIME_UNIT_YEAR);
+
+// In the order of RelativeTimeUnit and tw_time_unit.
+constexpr const char* unitSymbols[] = {"s", "min", "h", "j", "sem.", "mois", "an"};
+
 }  // namespace
 
 CallbackLocaleFormatter::~CallbackLocaleFormatter() {
@@ -46,8 +53,10 @@ std::string CallbackLocaleFormatter::usDollars(double dollars, int fractionDigit
                           static_cast<int32_t>(fractionDigits));
 }
 
-std::string CallbackLocaleFormatter::timeAgo(double elapsedSeconds) const {
-    return textOrFallback(fixed(elapsedSeconds, 0) + " s", callbacks_.time_ago, callbacks_.context, elapsedSeconds);
+std::string CallbackLocaleFormatter::timeAgo(RelativeTime elapsed) const {
+    return textOrFallback(std::to_string(elapsed.count) + " " + unitSymbols[static_cast<int>(elapsed.unit)],
+                          callbacks_.time_ago, callbacks_.context, elapsed.count,
+                          static_cast<tw_time_unit>(elapsed.unit));
 }
 
 std::string CallbackLocaleFormatter::shortTime(Date date) const {

@@ -19,7 +19,8 @@ public:
     std::string decimal(double value, int fractionDigits) const override;
     std::string groupedInteger(int64_t value) const override;
     std::string usDollars(double dollars, int fractionDigits) const override;
-    std::string timeAgo(double elapsedSeconds) const override;
+    using LocaleFormatter::timeAgo;
+    std::string timeAgo(RelativeTime elapsed) const override;
     std::string shortTime(Date date) const override;
     std::string upperCased(const std::string& text) const override;
 

@@ -92,13 +92,26 @@ typedef struct tw_store_opener {
 
 /* ---- Formatter: numbers, money, relative times, upper case ----------------- */
 
+typedef enum tw_time_unit {
+    TW_TIME_UNIT_SECOND = 0,
+    TW_TIME_UNIT_MINUTE = 1,
+    TW_TIME_UNIT_HOUR = 2,
+    TW_TIME_UNIT_DAY = 3,
+    TW_TIME_UNIT_WEEK = 4,
+    TW_TIME_UNIT_MONTH = 5,
+    TW_TIME_UNIT_YEAR = 6
+} tw_time_unit;
+
+/* The engine chooses every number and unit; the formatter only writes them
+ * the locale's way. */
 typedef struct tw_formatter_callbacks {
     void *context;
     void (*decimal_separator)(void *context, tw_reply *reply);
     void (*decimal)(void *context, double value, int32_t fraction_digits, tw_reply *reply);
     void (*grouped_integer)(void *context, int64_t value, tw_reply *reply);
     void (*us_dollars)(void *context, double dollars, int32_t fraction_digits, tw_reply *reply);
-    void (*time_ago)(void *context, double elapsed_seconds, tw_reply *reply);
+    /* `count` units ago, with the named form where the language has one ("hier"). */
+    void (*time_ago)(void *context, int64_t count, tw_time_unit unit, tw_reply *reply);
     void (*short_time)(void *context, double date, tw_reply *reply);
     void (*upper_cased)(void *context, const char *text, tw_reply *reply);
     void (*release)(void *context); /* may be NULL */

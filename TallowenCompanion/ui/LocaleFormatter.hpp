@@ -7,6 +7,20 @@
 
 namespace tallowen {
 
+enum class RelativeTimeUnit { second, minute, hour, day, week, month, year };
+
+// How long ago, in whole units: the largest unit that holds the interval at
+// least once, truncated. Months and years are the fixed lengths a reader
+// rounds to anyway (30 and 365 days). Not a number or negative counts as 0 s.
+struct RelativeTime {
+    int64_t count = 0;
+    RelativeTimeUnit unit = RelativeTimeUnit::second;
+
+    friend bool operator==(const RelativeTime&, const RelativeTime&) = default;
+};
+
+RelativeTime relativeTimeOf(double elapsedSeconds);
+
 // Numbers, money, relative times and upper case as the user's locale writes
 // them. The engine decides every text and hands only these pieces to the
 // platform: the terminal formats with ICU, the Mac app with Foundation's
@@ -24,9 +38,10 @@ public:
     // An amount in US dollars ("USD") with exactly `fractionDigits` fraction digits.
     virtual std::string usDollars(double dollars, int fractionDigits) const = 0;
     // How long ago, in named, wide units: "il y a 3 heures", "hier", "3 hours
-    // ago", "yesterday". The largest unit that holds the interval at least
-    // once is used, truncated.
-    virtual std::string timeAgo(double elapsedSeconds) const = 0;
+    // ago", "yesterday", in the unit relativeTimeOf chooses.
+    std::string timeAgo(double elapsedSeconds) const { return timeAgo(relativeTimeOf(elapsedSeconds)); }
+    // `count` units ago, with the language's named form where it has one.
+    virtual std::string timeAgo(RelativeTime elapsed) const = 0;
     // The local time of day of `date` (process time zone) in the locale's short style.
     virtual std::string shortTime(Date date) const = 0;
     // The text in upper case by the language-neutral rules ("été" gives "ÉTÉ").

@@ -1,6 +1,8 @@
+#include "IcuLocaleFormatter.hpp"
 #include "support/Dates.hpp"
 #include "support/ScopedTimeZone.hpp"
-#include "IcuLocaleFormatter.hpp"
+
+#include "base/JsonRead.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,63 +11,63 @@
 namespace tallowen {
 namespace {
 
-// French groups digits with a narrow no-break space and puts a no-break space before the currency.
 #define NNBSP "\u202f"
-#define NBSP "\u00a0"
 
-TEST(LocaleFormatterTest, FormatsNumbersMoneyAndSeparatorsPerLocale) {
-    const IcuLocaleFormatter french("fr_FR");
-    const IcuLocaleFormatter english("en_US");
-    EXPECT_EQ(french.decimalSeparator(), ",");
-    EXPECT_EQ(english.decimalSeparator(), ".");
-
-    EXPECT_EQ(french.decimal(0.4, 1), "0,4");
-    EXPECT_EQ(english.decimal(0.4, 1), "0.4");
-    EXPECT_EQ(french.decimal(0.0, 1), "0,0");
-    EXPECT_EQ(french.decimal(2.6, 0), "3");
-    EXPECT_EQ(french.decimal(1234.5, 1), "1" NNBSP "234,5");
-
-    EXPECT_EQ(french.groupedInteger(1234567), "1" NNBSP "234" NNBSP "567");
-    EXPECT_EQ(english.groupedInteger(1234567), "1,234,567");
-    EXPECT_EQ(english.groupedInteger(-1200), "-1,200");
-
-    EXPECT_EQ(french.usDollars(3.5, 2), "3,50" NBSP "$US");
-    EXPECT_EQ(english.usDollars(3.5, 2), "$3.50");
-    EXPECT_EQ(french.usDollars(1234.0, 0), "1" NNBSP "234" NBSP "$US");
-    EXPECT_EQ(english.usDollars(1234.0, 0), "$1,234");
-}
-
-TEST(LocaleFormatterTest, TimeAgoUsesTheLargestWholeUnitInNamedWideWords) {
-    const IcuLocaleFormatter french("fr_FR");
-    const IcuLocaleFormatter english("en_US");
-    struct Case {
-        double seconds;
-        const char* french;
-        const char* english;
-    } cases[] = {
-        {10801, "il y a 3 heures", "3 hours ago"},
-        {10799, "il y a 2 heures", "2 hours ago"},
-        {59, "il y a 59 secondes", "59 seconds ago"},
-        {86400, "hier", "yesterday"},
-        {2 * 86400 + 3600, "avant-hier", "2 days ago"},
-        {7 * 86400, "la semaine dernière", "last week"},
-        {15 * 86400, "il y a 2 semaines", "2 weeks ago"},
-        {800 * 86400, "il y a 2 ans", "2 years ago"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(french.timeAgo(c.seconds), c.french) << c.seconds;
-        EXPECT_EQ(english.timeAgo(c.seconds), c.english) << c.seconds;
+// The table the Swift core's Foundation formatter is held to as well: each
+// row's "icu" text is what this formatter writes.
+TEST(IcuLocaleFormatterTest, WritesTheSharedTableOfLocaleFormats) {
+    testing::ScopedTimeZone zone("UTC");
+    simdjson::dom::parser parser;
+    const simdjson::dom::element rows = parser.load(TALLOWEN_SOURCE_DIR "/tests/data/locale-formats.json");
+    const std::map<std::string_view, RelativeTimeUnit> units = {
+        {"second", RelativeTimeUnit::second}, {"minute", RelativeTimeUnit::minute}, {"hour", RelativeTimeUnit::hour},
+        {"day", RelativeTimeUnit::day},       {"week", RelativeTimeUnit::week},     {"month", RelativeTimeUnit::month},
+        {"year", RelativeTimeUnit::year}};
+    int checked = 0;
+    for (const simdjson::dom::element row : rows.get_array()) {
+        const IcuLocaleFormatter locale{std::string(*json::stringMember(row, "locale"))};
+        const std::string_view call = *json::stringMember(row, "call");
+        const auto number = [&](const char* key) { return json::doubleMember(row, key).value_or(0); };
+        const int digits = static_cast<int>(json::int64Member(row, "digits").value_or(0));
+        std::string text;
+        if (call == "decimalSeparator") text = locale.decimalSeparator();
+        else if (call == "decimal") text = locale.decimal(number("value"), digits);
+        else if (call == "groupedInteger") text = locale.groupedInteger(*json::int64Member(row, "value"));
+        else if (call == "usDollars") text = locale.usDollars(number("value"), digits);
+        else if (call == "timeAgo")
+            text = locale.timeAgo(RelativeTime{*json::int64Member(row, "count"),
+                                               units.at(*json::stringMember(row, "unit"))});
+        else if (call == "shortTime") text = locale.shortTime(Date{number("date")});
+        else if (call == "upperCased") text = locale.upperCased(std::string(*json::stringMember(row, "text")));
+        else ADD_FAILURE() << "unknown call " << call;
+        EXPECT_EQ(text, *json::stringMember(row, "icu")) << simdjson::to_string(row);
+        ++checked;
     }
+    EXPECT_GT(checked, 40);
 }
 
-TEST(LocaleFormatterTest, ShortTimeIsTheLocalTimeOfDay) {
+TEST(IcuLocaleFormatterTest, TimeAgoTakesTheLargestWholeUnit) {
+    const struct {
+        double seconds;
+        RelativeTime elapsed;
+    } cases[] = {
+        {-5, {0, RelativeTimeUnit::second}},      {59.9, {59, RelativeTimeUnit::second}},
+        {10799, {2, RelativeTimeUnit::hour}},     {10801, {3, RelativeTimeUnit::hour}},
+        {2 * 86400 + 3600, {2, RelativeTimeUnit::day}}, {15 * 86400, {2, RelativeTimeUnit::week}},
+        {800 * 86400, {2, RelativeTimeUnit::year}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(relativeTimeOf(c.seconds), c.elapsed) << c.seconds;
+    EXPECT_EQ(IcuLocaleFormatter("fr_FR").timeAgo(86400), "hier");
+}
+
+TEST(IcuLocaleFormatterTest, ShortTimeIsTheLocalTimeOfDay) {
     testing::ScopedTimeZone zone("Europe/Paris");
     const Date afternoon = testing::utcDate(2026, 3, 7, 13, 5, 30);  // 14:05:30 in Paris
     EXPECT_EQ(IcuLocaleFormatter("fr_FR").shortTime(afternoon), "14:05");
     EXPECT_EQ(IcuLocaleFormatter("en_US").shortTime(afternoon), "2:05" NNBSP "PM");
 }
 
-TEST(LocaleFormatterTest, LocaleNameComesFromTheFirstSetVariable) {
+TEST(IcuLocaleFormatterTest, LocaleNameComesFromTheFirstSetVariable) {
     EXPECT_EQ(icuLocaleNameForPosixLocale("fr_FR.UTF-8"), "fr_FR");
     EXPECT_EQ(icuLocaleNameForPosixLocale("de_DE@euro"), "de_DE");
     EXPECT_EQ(icuLocaleNameForPosixLocale("C"), "en_US");
