@@ -18,17 +18,18 @@ import TallowenEngine
     public private(set) var isStarted = false
 
     /// The engine's stamps, shared with the importer that reads their days.
-    let handle: OpaquePointer
+    let engine: EnginePointer
+    var handle: OpaquePointer { engine.pointer }
     private let now: @MainActor () -> Date
 
     public init(folders: EngineFolders, now: @escaping @MainActor () -> Date = Date.init) {
         try? FileManager.default.createDirectory(at: folders.support, withIntermediateDirectories: true)
-        handle = tw_activity_create(folders.support.path)!
+        engine = EnginePointer(pointer: tw_activity_create(folders.support.path)!)
         self.now = now
     }
 
-    isolated deinit {
-        tw_activity_free(handle)
+    deinit {
+        tw_activity_free(engine.pointer)
     }
 
     /// Begins watching: stores the callback. False, changing nothing, when

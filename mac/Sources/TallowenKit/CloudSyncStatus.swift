@@ -13,17 +13,18 @@ import TallowenEngine
     public private(set) var isSyncing = false
     public private(set) var pendingCount: Int64 = 0
 
-    @ObservationIgnored private let handle: OpaquePointer
+    @ObservationIgnored private let engine: EnginePointer
+    private var handle: OpaquePointer { engine.pointer }
 
     public init(settings: any SettingsStorage) {
         let engineSettings = SettingsBridge.makeHandle(settings)
         defer { tw_settings_free(engineSettings) }
-        handle = tw_sync_status_create(engineSettings)!
+        engine = EnginePointer(pointer: tw_sync_status_create(engineSettings)!)
         refresh()
     }
 
-    isolated deinit {
-        tw_sync_status_free(handle)
+    deinit {
+        tw_sync_status_free(engine.pointer)
     }
 
     public func apply(_ event: CloudSyncEvent) {

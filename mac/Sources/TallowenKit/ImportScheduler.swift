@@ -7,13 +7,14 @@ import TallowenEngine
 @MainActor public final class ImportScheduler {
     public static let shared = ImportScheduler()
 
-    private let policy: OpaquePointer = tw_scheduler_create()
+    private let engine = EnginePointer(pointer: tw_scheduler_create())
+    private var policy: OpaquePointer { engine.pointer }
     private var timer: AnyObject?
 
     public init() {}
 
-    isolated deinit {
-        tw_scheduler_free(policy)
+    deinit {
+        tw_scheduler_free(engine.pointer)
     }
 
     /// Idempotent: a second start changes nothing.

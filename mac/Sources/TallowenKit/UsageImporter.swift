@@ -18,7 +18,8 @@ import TallowenEngine
     public private(set) var todayCostCents: Int64 = 0
     public private(set) var purgeProgress: Double?
 
-    @ObservationIgnored private let handle: OpaquePointer
+    @ObservationIgnored private let engine: EnginePointer
+    private var handle: OpaquePointer { engine.pointer }
     @ObservationIgnored private let activity: AppActivityWatcher
 
     public init(
@@ -28,13 +29,14 @@ import TallowenEngine
         self.activity = activity
         let engineSettings = SettingsBridge.makeHandle(settings)
         defer { tw_settings_free(engineSettings) }
-        handle = tw_importer_create(
-            folders.home.path, folders.support.path, engineSettings, StoreBridge.opener(openStore), activity.handle)!
+        let importer = tw_importer_create(
+            folders.home.path, folders.support.path, engineSettings, StoreBridge.opener(openStore), activity.handle)
+        engine = EnginePointer(pointer: importer!)
         refresh()
     }
 
-    isolated deinit {
-        tw_importer_free(handle)
+    deinit {
+        tw_importer_free(engine.pointer)
     }
 
     public func runImport() async {
