@@ -34,6 +34,7 @@ import TallowenEngine
 
     /// Begins watching: stores the callback. False, changing nothing, when
     /// already started.
+    @discardableResult
     public func start(onRecord: @escaping @MainActor () -> Void) -> Bool {
         guard !isStarted else { return false }
         isStarted = true
