@@ -52,11 +52,18 @@ var targets: [Target] = [
 ]
 
 #if os(macOS)
-// The Mac app (SwiftUI, SwiftData, AppKit, Sparkle) joins here: its
-// executable target on top of TallowenKit, and the Sparkle package:
-//   dependencies.append(.package(url: "https://github.com/sparkle-project/Sparkle", from: "2.6.0"))
-//   targets.append(.executableTarget(name: "TallowenMac", dependencies: ["TallowenKit",
-//       .product(name: "Sparkle", package: "Sparkle")], path: "mac/Sources/TallowenMac"))
+// The menu-bar app (SwiftUI, SwiftData, AppKit, Sparkle) on top of TallowenKit;
+// mac/build-app.sh bundles it as Tallowen.app.
+dependencies.append(.package(url: "https://github.com/sparkle-project/Sparkle", from: "2.6.0"))
+products.append(.executable(name: "TallowenMac", targets: ["TallowenMac"]))
+targets.append(
+    .executableTarget(
+        name: "TallowenMac",
+        dependencies: [
+            "TallowenKit",
+            .product(name: "Sparkle", package: "Sparkle"),
+        ],
+        path: "mac/Sources/TallowenMac"))
 #endif
 
 let package = Package(

@@ -1,10 +1,9 @@
 #include "CliEnvironment.hpp"
 
-#include "base/SupportFolder.hpp"
+#include "app/EngineFolders.hpp"
 
 #include <cstdio>
 #include <cstdlib>
-#include <unistd.h>
 
 namespace tallowen::cli {
 namespace {
@@ -17,52 +16,26 @@ std::optional<std::string> environmentVariable(const char* name) {
 
 }  // namespace
 
-std::optional<EngineEnvironment> environmentFromOptions(const ParsedOptions& options, std::string& error) {
-    EngineEnvironment environment;
-    const auto home = options.value("--home").value_or(environmentVariable("HOME").value_or(""));
-    if (home.empty()) {
-        error = "no home folder: set HOME or pass --home DIR";
-        return std::nullopt;
-    }
-    std::error_code code;
-    if (!std::filesystem::is_directory(home, code) || ::access(home.c_str(), R_OK | X_OK) != 0) {
-        error = "cannot read the home folder " + home;
-        return std::nullopt;
-    }
-    environment.homeFolder = std::filesystem::absolute(home, code);
-    if (const auto data = options.value("--data")) {
-        environment.supportFolder = std::filesystem::absolute(*data, code);
-    } else {
-        environment.supportFolder = defaultSupportFolder(currentHostPlatform(), environment.homeFolder,
-                                                         environmentVariable("XDG_DATA_HOME"));
-    }
-    std::filesystem::create_directories(environment.supportFolder, code);
-    if (!std::filesystem::is_directory(environment.supportFolder, code)) {
-        error = "cannot create the data folder " + environment.supportFolder.string();
-        return std::nullopt;
-    }
-    environment.clock = systemClock();
-    return environment;
+Result<CommandStart, CommandFailure> startCommand(const char* command, const std::vector<std::string>& arguments,
+                                                  std::set<std::string> valueOptions,
+                                                  const std::set<std::string>& flagOptions,
+                                                  const OptionsCheck& check) {
+    const std::string prefix = command ? "tallowen: " + std::string(command) + ": " : "tallowen: ";
+    valueOptions.insert({"--home", "--data"});
+    auto options = parseOptions(arguments, valueOptions, flagOptions);
+    std::optional<std::string> refused;
+    if (!options) refused = options.error();
+    else if (check) refused = check(*options);
+    if (refused) return failure(CommandFailure{2, prefix + *refused + (command ? "" : " (see tallowen --help)")});
+    auto environment = engineEnvironment(FolderChoice{options->value("--home"), options->value("--data"),
+                                                      environmentVariable("HOME"), environmentVariable("XDG_DATA_HOME")});
+    if (!environment) return failure(CommandFailure{1, prefix + environment.error()});
+    return CommandStart{std::move(*options), std::move(*environment)};
 }
 
-std::optional<CommandStart> startCommand(const char* command, const std::vector<std::string>& arguments,
-                                         const std::set<std::string>& valueOptions,
-                                         const std::set<std::string>& flagOptions, int& exitStatus,
-                                         const OptionsCheck& check) {
-    std::string error;
-    auto options = parseOptions(arguments, valueOptions, flagOptions, error);
-    if (!options || (check && !check(*options, error))) {
-        std::fprintf(stderr, "tallowen: %s: %s\n", command, error.c_str());
-        exitStatus = 2;
-        return std::nullopt;
-    }
-    auto environment = environmentFromOptions(*options, error);
-    if (!environment) {
-        std::fprintf(stderr, "tallowen: %s: %s\n", command, error.c_str());
-        exitStatus = 1;
-        return std::nullopt;
-    }
-    return CommandStart{std::move(*options), std::move(*environment)};
+int reported(const CommandFailure& failure) {
+    std::fprintf(stderr, "%s\n", failure.line.c_str());
+    return failure.exitStatus;
 }
 
 }  // namespace tallowen::cli

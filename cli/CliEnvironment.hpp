@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Options.hpp"
+#include "base/Result.hpp"
 #include "model/EngineEnvironment.hpp"
 
 #include <functional>
@@ -11,26 +12,33 @@
 
 namespace tallowen::cli {
 
-// The engine's environment from --home and --data (defaults: $HOME and the
-// platform's support folder). Sets `error` when the home folder is missing or
-// unreadable, or the data folder cannot be created.
-std::optional<EngineEnvironment> environmentFromOptions(const ParsedOptions& options, std::string& error);
-
 struct CommandStart {
     ParsedOptions options;
     EngineEnvironment environment;
 };
 
-// What a command checks of its options before any folder is looked at; false,
-// with `error` set, refuses them.
-using OptionsCheck = std::function<bool(const ParsedOptions& options, std::string& error)>;
+// Why a command could not start: its whole line for the error output, and
+// its exit status (2 for options it does not take, 1 for a home or data
+// folder it cannot use).
+struct CommandFailure {
+    int exitStatus = 1;
+    std::string line;
+};
 
-// Reads a command's options and builds its environment. On failure it prints
-// "tallowen: <command>: <reason>" and sets `exitStatus`: 2 for options the
-// command does not take, 1 for a home or data folder it cannot use.
-std::optional<CommandStart> startCommand(const char* command, const std::vector<std::string>& arguments,
-                                         const std::set<std::string>& valueOptions,
-                                         const std::set<std::string>& flagOptions, int& exitStatus,
-                                         const OptionsCheck& check = {});
+// What a command checks of its options before any folder is looked at; the
+// reason it refuses them, or nothing.
+using OptionsCheck = std::function<std::optional<std::string>(const ParsedOptions& options)>;
+
+// Reads a command's options (always --home and --data too) and builds its
+// environment from them. Lines read "tallowen: <command>: <reason>"; without a
+// command (`tallowen` alone) "tallowen: <reason>", pointing to --help for
+// options.
+Result<CommandStart, CommandFailure> startCommand(const char* command, const std::vector<std::string>& arguments,
+                                                  std::set<std::string> valueOptions,
+                                                  const std::set<std::string>& flagOptions,
+                                                  const OptionsCheck& check = {});
+
+// Prints the failure's line; its exit status.
+int reported(const CommandFailure& failure);
 
 }  // namespace tallowen::cli

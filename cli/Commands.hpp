@@ -1,5 +1,8 @@
 #pragma once
 
+#include "import/ImporterState.hpp"
+#include "model/EngineEnvironment.hpp"
+
 #include <string>
 #include <vector>
 
@@ -14,5 +17,9 @@ int runPanelCommand(const std::vector<std::string>& arguments);
 int runSummaryCommand(const std::vector<std::string>& arguments);
 // `tallowen` alone: one import, then the panel.
 int runDefaultCommand(const std::vector<std::string>& arguments);
+
+// Prints the panel once, at rest, from the store of the data folder; 1, with
+// "tallowen: <errorPrefix><reason>", when the store cannot be read.
+int printPanelOnce(const EngineEnvironment& environment, const ImporterState& importer, const char* errorPrefix);
 
 }  // namespace tallowen::cli

@@ -1,103 +1,34 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
-#include "Options.hpp"
-#include "PanelData.hpp"
-#include "PlainText.hpp"
-#include "SampleJson.hpp"
 
-#include "model/Iso8601Format.hpp"
-#include "base/JsonWriter.hpp"
-#include "summary/OneSamplePerSlot.hpp"
+#include "model/DaySamplesJson.hpp"
+#include "model/DayTable.hpp"
+#include "store/SqliteSampleStore.hpp"
+#include "summary/DaySelection.hpp"
 
-#include <algorithm>
-#include <cctype>
-#include <cinttypes>
 #include <cstdio>
-#include <string>
-#include <vector>
 
 namespace tallowen::cli {
-namespace {
-
-bool isDayKeyText(const std::string& text) {
-    if (text.size() != 10 || text[4] != '-' || text[7] != '-') return false;
-    for (size_t i = 0; i < text.size(); ++i)
-        if (i != 4 && i != 7 && !std::isdigit(static_cast<unsigned char>(text[i]))) return false;
-    return true;
-}
-
-struct DayFilter {
-    std::optional<std::string> since;
-    std::optional<std::string> until;
-    std::optional<std::string> tool;
-
-    bool admits(const UsageSample& sample) const {
-        if (since && sample.dayKey < *since) return false;
-        if (until && sample.dayKey > *until) return false;
-        return !tool || sample.tool == *tool;
-    }
-};
-
-std::string jsonReport(const std::vector<UsageSample>& samples) {
-    JsonWriter json;
-    json.beginObject();
-    json.key("samples").beginArray();
-    for (const UsageSample& sample : samples) writeSampleJson(json, sample, true);
-    json.endArray();
-    json.endObject();
-    return json.take() + "\n";
-}
-
-std::string tableReport(const std::vector<UsageSample>& samples) {
-    char line[512];
-    std::snprintf(line, sizeof line, "%-10s  %-16s  %8s  %8s  %12s  %12s  %10s  %9s  %s\n", "day", "tool", "sessions",
-                  "requests", "input", "output", "cost $", "water ml", "updated");
-    std::string text = line;
-    for (const UsageSample& sample : samples) {
-        std::snprintf(line, sizeof line,
-                      "%-10s  %-16s  %8" PRId64 "  %8" PRId64 "  %12" PRId64 "  %12" PRId64 "  %10s  %9" PRId64
-                      "  %s\n",
-                      sample.dayKey.c_str(), sample.tool.c_str(), sample.sessions, sample.requests,
-                      sample.inputTokens, sample.outputTokens, dollarsText(sample.estimatedCostCents).c_str(),
-                      sample.estimatedWaterMilliliters, iso8601UtcText(sample.updatedAt).value_or("-").c_str());
-        text += line;
-    }
-    return text;
-}
-
-}  // namespace
 
 int runDaysCommand(const std::vector<std::string>& arguments) {
-    const auto daysAreWellWritten = [](const ParsedOptions& options, std::string& error) {
-        for (const char* name : {"--since", "--until"}) {
-            const auto day = options.value(name);
-            if (day && !isDayKeyText(*day)) {
-                error = std::string(name) + " needs a day written YYYY-MM-DD, not " + *day;
-                return false;
-            }
-        }
-        return true;
+    const auto daysAreWellWritten = [](const ParsedOptions& options) -> std::optional<std::string> {
+        for (const char* name : {"--since", "--until"})
+            if (const auto day = options.value(name); day && !isDayKeyText(*day))
+                return std::string(name) + " needs a day written YYYY-MM-DD, not " + *day;
+        return std::nullopt;
     };
-    int exitStatus = 0;
-    const auto start = startCommand("days", arguments, {"--since", "--until", "--tool", "--home", "--data"},
-                                    {"--json"}, exitStatus, daysAreWellWritten);
-    if (!start) return exitStatus;
+    const auto start = startCommand("days", arguments, {"--since", "--until", "--tool"}, {"--json"}, daysAreWellWritten);
+    if (!start) return reported(start.error());
     const ParsedOptions& options = start->options;
-    const DayFilter filter{options.value("--since"), options.value("--until"), options.value("--tool")};
-
-    std::string error;
-    // Nothing imported yet: no days, and no empty store created by looking.
-    const auto stored = readStoredSamples(start->environment, error);
+    const auto stored = readStoredSamples(SqliteSampleStore::locationIn(start->environment.supportFolder));
     if (!stored) {
-        std::fprintf(stderr, "tallowen: days: %s\n", error.c_str());
+        std::fprintf(stderr, "tallowen: days: %s\n", stored.error().c_str());
         return 1;
     }
-    std::vector<UsageSample> samples = oneSamplePerSlot(*stored);
-    samples.erase(std::remove_if(samples.begin(), samples.end(),
-                                 [&](const UsageSample& sample) { return !filter.admits(sample); }),
-                  samples.end());
+    const std::vector<UsageSample> samples =
+        selectedDays(*stored, DaySelection{options.value("--since"), options.value("--until"), options.value("--tool")});
 
-    const std::string text = options.has("--json") ? jsonReport(samples) : tableReport(samples);
+    const std::string text = options.has("--json") ? daySamplesJson(samples) + "\n" : daysTable(samples);
     std::fwrite(text.data(), 1, text.size(), stdout);
     return 0;
 }

@@ -2,9 +2,8 @@
 
 namespace tallowen::cli {
 
-std::optional<ParsedOptions> parseOptions(const std::vector<std::string>& arguments,
-                                          const std::set<std::string>& valueOptions,
-                                          const std::set<std::string>& flagOptions, std::string& error) {
+Result<ParsedOptions> parseOptions(const std::vector<std::string>& arguments, const std::set<std::string>& valueOptions,
+                                   const std::set<std::string>& flagOptions) {
     ParsedOptions parsed;
     for (size_t i = 0; i < arguments.size(); ++i) {
         std::string name = arguments[i];
@@ -19,14 +18,12 @@ std::optional<ParsedOptions> parseOptions(const std::vector<std::string>& argume
             } else if (i + 1 < arguments.size()) {
                 parsed.values[name] = arguments[++i];
             } else {
-                error = "option " + name + " needs a value";
-                return std::nullopt;
+                return failure("option " + name + " needs a value");
             }
         } else if (flagOptions.count(name) && !inlineValue) {
             parsed.flags.insert(name);
         } else {
-            error = "unknown option: " + arguments[i];
-            return std::nullopt;
+            return failure("unknown option: " + arguments[i]);
         }
     }
     return parsed;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Result.hpp"
+
 #include <map>
 #include <optional>
 #include <set>
@@ -21,9 +23,8 @@ struct ParsedOptions {
 };
 
 // Accepts "--name VALUE", "--name=VALUE" for the value options and "--flag" for
-// the flags; anything else sets `error` to a one-line message.
-std::optional<ParsedOptions> parseOptions(const std::vector<std::string>& arguments,
-                                          const std::set<std::string>& valueOptions,
-                                          const std::set<std::string>& flagOptions, std::string& error);
+// the flags; anything else fails with a one-line message.
+Result<ParsedOptions> parseOptions(const std::vector<std::string>& arguments, const std::set<std::string>& valueOptions,
+                                   const std::set<std::string>& flagOptions);
 
 }  // namespace tallowen::cli

@@ -4,8 +4,6 @@
 #include "BottleArt.hpp"
 #include "QuotaBarArt.hpp"
 #include "TextWidth.hpp"
-#include "summary/BottleBitmaps.hpp"
-#include "ui/MenuFormats.hpp"
 
 #include <algorithm>
 
@@ -26,14 +24,14 @@ public:
 
     void add(std::string line) { lines_.push_back(std::move(line)); }
     void blank() { lines_.emplace_back(); }
-    void paint(StyleRole role, std::string_view text) { add(style_.paint(role, text)); }
-    void wrapped(StyleRole role, std::string_view text) {
+    void paint(TextRole role, std::string_view text) { add(style_.paint(role, text)); }
+    void wrapped(TextRole role, std::string_view text) {
         for (const std::string& line : wrapText(text, panelWidth)) paint(role, line);
     }
     void separator() {
         std::string rule;
         for (int i = 0; i < panelWidth; ++i) rule += "─";
-        paint(StyleRole::secondary, rule);
+        paint(TextRole::secondary, rule);
     }
     const TerminalStyle& style() const { return style_; }
 
@@ -48,116 +46,114 @@ private:
     std::vector<std::string> lines_;
 };
 
-void titleBar(Lines& out, const PanelFrame& frame, bool importing) {
-    const std::string left = out.style().paint(StyleRole::accent, "■") + " " + out.style().paint(StyleRole::primary, frame.title);
-    if (importing) {
-        out.add(spread(left, out.style().paint(StyleRole::secondary, "import…"), panelWidth));
+void titleBar(Lines& out, const PanelFrame& frame) {
+    const std::string left =
+        out.style().paint(TextRole::accent, "■") + " " + out.style().paint(frame.title.role, frame.title.text);
+    if (frame.showsImportIndicator) {
+        out.add(spread(left, out.style().paint(TextRole::secondary, "import…"), panelWidth));
     } else {
         out.add(left);
     }
     out.blank();
 }
 
-void todayBlock(Lines& out, const MenuModel& model, const PanelFrame& frame) {
+void todayBlock(Lines& out, const PanelToday& today) {
     const TerminalStyle& style = out.style();
-    out.paint(StyleRole::secondary, menu_text::todayTitle);
+    out.paint(TextRole::secondary, today.title);
 
-    const std::string counter = frame.tokenCounter.empty() ? model.todayTokensText : frame.tokenCounter;
     const std::string besideCount[bigDigitLineCount] = {
-        style.paint(StyleRole::secondary, menu_text::requestsLabel),
-        style.paint(StyleRole::primary, counter) + " " + style.paint(StyleRole::secondary, menu_text::tokensLabel),
+        style.paint(TextRole::secondary, today.requestsLabel),
+        style.paint(TextRole::primary, today.counter.text) + " " + style.paint(TextRole::secondary, today.tokensLabel),
         "",
     };
-    std::vector<std::string> big = bigDigitLines(model.todayRequestsText);
+    std::vector<std::string> big = bigDigitLines(today.requestsText);
     const int bigWidth = big.empty() ? 0 : displayWidth(big.front());
     if (big.empty() || bigWidth + 2 + displayWidth(besideCount[1]) > panelWidth) {
         // Too many digits for the pixel figures: the plain number.
-        big = {model.todayRequestsText, "", ""};
+        big = {today.requestsText, "", ""};
     }
     const int countColumns = std::max(displayWidth(big.front()), 2) + 2;
     for (int line = 0; line < bigDigitLineCount; ++line)
-        out.add(padRight(style.paint(StyleRole::primary, big[line]), countColumns) + besideCount[line]);
-    out.paint(StyleRole::primary, model.todayCostText);
+        out.add(padRight(style.paint(TextRole::primary, big[line]), countColumns) + besideCount[line]);
+    out.paint(TextRole::primary, today.costText);
     out.blank();
 }
 
-void waterBlock(Lines& out, const MenuModel& model) {
+void waterBlock(Lines& out, const PanelToday& today) {
     const TerminalStyle& style = out.style();
-    out.paint(StyleRole::secondary, menu_text::waterTitle);
-    const BottleBitmap& bitmap = bottleBitmap(model.level);
-    const std::vector<std::string> bottle = bottleArtLines(std::vector<std::string>(bitmap.begin(), bitmap.end()));
+    out.paint(TextRole::secondary, today.waterTitle);
+    const std::vector<std::string> bottle = bottleArtLines(today.bottleRows);
     const std::string texts[] = {
-        style.paint(StyleRole::primary, model.todayWaterText),
-        style.paint(StyleRole::secondary, model.waterEquivalentText),
-        style.paint(StyleRole::secondary, model.comparisonLine),
+        style.paint(TextRole::primary, today.waterText),
+        style.paint(TextRole::secondary, today.equivalentText),
+        style.paint(TextRole::secondary, today.comparisonLine),
     };
     for (size_t line = 0; line < bottle.size(); ++line) {
-        std::string row = padRight(" " + style.paint(StyleRole::accent, bottle[line]), bottleColumnWidth);
+        std::string row = padRight(" " + style.paint(TextRole::accent, bottle[line]), bottleColumnWidth);
         if (line >= bottleTextFirstLine && line - bottleTextFirstLine < std::size(texts))
             row += texts[line - bottleTextFirstLine];
         out.add(std::move(row));
     }
 }
 
-void toolRows(Lines& out, const MenuModel& model) {
-    if (model.toolRows.empty()) return;
+void toolRows(Lines& out, const PanelFrame& frame) {
+    if (frame.toolRows.empty()) return;
     out.blank();
-    for (const MenuToolRow& row : model.toolRows)
-        out.add(spread(out.style().paint(StyleRole::primary, row.label),
-                       out.style().paint(StyleRole::secondary, row.figuresText), panelWidth));
+    for (const PanelToolRow& row : frame.toolRows)
+        out.add(spread(out.style().paint(TextRole::primary, row.label),
+                       out.style().paint(TextRole::secondary, row.figuresText), panelWidth));
 }
 
-void weekBlock(Lines& out, const MenuModel& model) {
+void weekBlock(Lines& out, const PanelWeek& week) {
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::weekTitle);
-    out.wrapped(StyleRole::primary, model.weekLine);
+    out.paint(TextRole::secondary, week.title);
+    out.wrapped(TextRole::primary, week.line);
 }
 
-void quotaSection(Lines& out, const MenuModel& model) {
-    if (model.quotaBlocks.empty()) return;
+void quotaSection(Lines& out, const std::optional<PanelQuotas>& quotas) {
+    if (!quotas) return;
     const TerminalStyle& style = out.style();
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::quotasTitle);
-    for (const MenuQuotaBlock& block : model.quotaBlocks) {
-        std::string header = style.paint(StyleRole::primary, block.label);
+    out.paint(TextRole::secondary, quotas->title);
+    for (const PanelQuotaBlock& block : quotas->blocks) {
+        std::string header = style.paint(TextRole::primary, block.label);
         if (block.plan) {
             // A plan name of any length keeps the header on one line.
             const int planColumns = panelWidth - displayWidth(block.label) - 1;
-            header += " " + style.paint(StyleRole::secondary, truncatedToWidth(*block.plan, planColumns));
+            header += " " + style.paint(TextRole::secondary, truncatedToWidth(*block.plan, planColumns));
         }
         out.add(std::move(header));
-        for (const MenuQuotaBar& bar : block.bars) {
-            const StyleRole role = bar.warning ? StyleRole::warning : StyleRole::primary;
-            out.add(padRight(style.paint(StyleRole::secondary, bar.title), quotaTitleColumns) +
-                    style.paint(role, quotaBarArt(bar.percent, quotaBarColumns)) + " " +
-                    padLeft(style.paint(role, bar.percentText), quotaPercentColumns) + " " +
-                    padLeft(style.paint(StyleRole::secondary, bar.resetText.value_or("")), quotaResetColumns));
+        for (const PanelQuotaBar& bar : block.bars) {
+            out.add(padRight(style.paint(TextRole::secondary, bar.title), quotaTitleColumns) +
+                    style.paint(bar.role, quotaBarArt(bar.percent, quotaBarColumns)) + " " +
+                    padLeft(style.paint(bar.role, bar.percentText), quotaPercentColumns) + " " +
+                    padLeft(style.paint(TextRole::secondary, bar.resetText.value_or("")), quotaResetColumns));
         }
     }
 }
 
-void detectedTools(Lines& out, const MenuModel& model) {
+void detectedTools(Lines& out, const PanelFrame& frame) {
     out.separator();
-    out.paint(StyleRole::secondary, menu_text::detectedToolsTitle);
-    out.wrapped(model.hasDetectedTools ? StyleRole::primary : StyleRole::secondary, model.detectedToolsText);
-    if (model.errorLine) out.wrapped(StyleRole::warning, *model.errorLine);
+    out.paint(TextRole::secondary, frame.detectedTools.title);
+    out.wrapped(frame.detectedTools.role, frame.detectedTools.text);
+    if (frame.errorLine) out.wrapped(TextRole::warning, *frame.errorLine);
 }
 
-void footer(Lines& out, const MenuModel& model, const PanelFrame& frame) {
+void footer(Lines& out, const PanelFooter& footer, bool showsKeyHints) {
     const TerminalStyle& style = out.style();
-    const std::string importTime = style.paint(StyleRole::secondary, model.lastImportText.value_or(""));
-    if (!frame.showsKeyHints) {
-        if (model.lastImportText) {
+    const std::string importTime = style.paint(TextRole::secondary, footer.lastImportText.value_or(""));
+    if (!showsKeyHints) {
+        if (footer.lastImportText) {
             out.blank();
             out.add(padLeft(importTime, panelWidth));
         }
         return;
     }
     out.separator();
-    const std::string importKey = style.paint(StyleRole::accent, "[i]") + " " +
-                                  style.paint(model.importButtonEnabled ? StyleRole::primary : StyleRole::secondary,
-                                              model.importButtonLabel);
-    const std::string quitKey = style.paint(StyleRole::accent, "[q]") + " " + style.paint(StyleRole::primary, menu_text::quitButton);
+    const std::string importKey =
+        style.paint(TextRole::accent, "[i]") + " " + style.paint(footer.importRole, footer.importLabel);
+    const std::string quitKey =
+        style.paint(TextRole::accent, "[q]") + " " + style.paint(TextRole::primary, footer.quitLabel);
     // The import time sits centred between the two keys.
     const int sides = displayWidth(importKey) + displayWidth(quitKey);
     const int room = panelWidth - sides;
@@ -172,35 +168,25 @@ void footer(Lines& out, const MenuModel& model, const PanelFrame& frame) {
 
 }  // namespace
 
-CountingText menuTokenCounter(const MenuModel& model, const LocaleFormatter& locale) {
-    return CountingText{model.todayTokens, [&locale](int64_t n) { return tokenText(n, locale); },
-                        model.tokenRatePerSecond};
-}
-
-std::vector<std::string> renderPanel(const MenuModel& model, const PanelFrame& frame, const TerminalStyle& style) {
-    if (model.cleaning) return renderCleaningView(*model.cleaning, frame, style);
+std::vector<std::string> renderPanel(const PanelFrame& frame, bool showsKeyHints, const TerminalStyle& style) {
     Lines out(style);
-    titleBar(out, frame, model.showsImportIndicator);
-    todayBlock(out, model, frame);
-    waterBlock(out, model);
-    toolRows(out, model);
-    weekBlock(out, model);
-    quotaSection(out, model);
-    detectedTools(out, model);
-    footer(out, model, frame);
-    return out.take();
-}
-
-std::vector<std::string> renderCleaningView(const MenuCleaningView& cleaning, const PanelFrame& frame,
-                                            const TerminalStyle& style) {
-    Lines out(style);
-    titleBar(out, frame, false);
-    out.paint(StyleRole::secondary, menu_text::cleaningTitle);
-    std::vector<std::string> big = bigDigitLines(cleaning.percentText);
-    if (big.empty()) big = {cleaning.percentText};
-    for (const std::string& line : big) out.paint(StyleRole::primary, line);
-    out.paint(StyleRole::primary, quotaBarArt(cleaning.barFraction * 100.0, panelWidth));
-    out.wrapped(StyleRole::secondary, menu_text::cleaningNote);
+    titleBar(out, frame);
+    if (const auto& cleaning = frame.cleaning) {
+        out.paint(TextRole::secondary, cleaning->title);
+        std::vector<std::string> big = bigDigitLines(cleaning->percentText);
+        if (big.empty()) big = {cleaning->percentText};
+        for (const std::string& line : big) out.paint(TextRole::primary, line);
+        out.paint(TextRole::primary, quotaBarArt(cleaning->barFraction * 100.0, panelWidth));
+        out.wrapped(TextRole::secondary, cleaning->note);
+        return out.take();
+    }
+    todayBlock(out, frame.today);
+    waterBlock(out, frame.today);
+    toolRows(out, frame);
+    weekBlock(out, frame.week);
+    quotaSection(out, frame.quotas);
+    detectedTools(out, frame);
+    footer(out, frame.footer, showsKeyHints);
     return out.take();
 }
 

@@ -6,12 +6,14 @@
 namespace tallowen::cli {
 namespace {
 
-std::string_view escapeFor(StyleRole role) {
+std::string_view escapeFor(TextRole role) {
     switch (role) {
-        case StyleRole::primary: return "\x1b[1m";
-        case StyleRole::secondary: return "\x1b[2m";
-        case StyleRole::accent: return "\x1b[36m";
-        case StyleRole::warning: return "\x1b[33m";
+        case TextRole::primary: return "\x1b[1m";
+        case TextRole::secondary:
+        case TextRole::dimmed:
+        case TextRole::disabled: return "\x1b[2m";
+        case TextRole::accent: return "\x1b[36m";
+        case TextRole::warning: return "\x1b[33m";
     }
     return "";
 }
@@ -26,7 +28,7 @@ TerminalStyle TerminalStyle::forStandardOutput() {
                                       noColor ? std::optional<std::string>(noColor) : std::nullopt));
 }
 
-std::string TerminalStyle::paint(StyleRole role, std::string_view text) const {
+std::string TerminalStyle::paint(TextRole role, std::string_view text) const {
     if (!colors_ || text.empty()) return std::string(text);
     std::string painted(escapeFor(role));
     painted += text;

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "ui/PanelFrame.hpp"
+
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace tallowen::cli {
 
-// The panel's colour roles.
-enum class StyleRole { primary, secondary, accent, warning };
-
-// Paints text with ANSI colours, or leaves it as it is when colours are off.
+// Paints text with ANSI colours for its role (bold, dim, cyan, yellow; dimmed
+// and disabled texts dim), or leaves it as it is when colours are off.
 class TerminalStyle {
 public:
     explicit TerminalStyle(bool colors) : colors_(colors) {}
@@ -18,7 +18,7 @@ public:
     static TerminalStyle forStandardOutput();
 
     bool colors() const { return colors_; }
-    std::string paint(StyleRole role, std::string_view text) const;
+    std::string paint(TextRole role, std::string_view text) const;
 
 private:
     bool colors_;

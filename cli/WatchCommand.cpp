@@ -2,10 +2,11 @@
 #include "Commands.hpp"
 #include "IcuLocaleFormatter.hpp"
 #include "Options.hpp"
-#include "TerminalImporter.hpp"
+#include "app/SupportFolderImporter.hpp"
 #include "WatchPanel.hpp"
 
 #include "app/ImportScheduler.hpp"
+#include "store/SqliteSampleStore.hpp"
 
 #include <atomic>
 #include <csignal>
@@ -124,13 +125,12 @@ void sleepBriefly() {
 }  // namespace
 
 int runWatchCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("watch", arguments, {"--home", "--data"}, {}, exitStatus);
-    if (!start) return exitStatus;
+    const auto start = startCommand("watch", arguments, {}, {});
+    if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
     installStopHandlers();
 
-    TerminalImporter terminal(environment);
+    SupportFolderImporter terminal(environment);
     UsageImporter& importer = terminal.importer();
     // Console lines of the engine would break the panel drawn in place.
     importer.setLogLine([](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
@@ -138,12 +138,13 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     WatchKeys keys;
     const bool outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     restoreTerminalOnForcedStop(keys, outputIsTerminal);
-    WatchPanelView view(environment, IcuLocaleFormatter::forProcess(), stdout, outputIsTerminal, keys.active(),
-                        environment.clock());
-    // The purge runs inside the end of a run: its progress is drawn as it is published.
+    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
+    PanelSession session(locale, environment.calendar, PanelOptions{}, environment.clock());
+    WatchPanelView view(session, SqliteSampleStore::locationIn(environment.supportFolder), stdout, outputIsTerminal,
+                        keys.active());
     importer.setObserver([&](ImporterProperty property) {
         if (property == ImporterProperty::isImporting || property == ImporterProperty::purgeProgress)
-            view.importerChanged(importer, environment.clock());
+            view.importerChanged(importer.state(), environment.clock());
     });
 
     ImportScheduler scheduler;
@@ -154,9 +155,9 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
         if (requested) importer.startImport();
         requested = false;
         // The panel shows the store at once, before the first run is over.
-        if (firstRequest) view.reload(importer, environment.clock());
+        if (firstRequest) view.reload(importer.state(), environment.clock());
         firstRequest = false;
-        if (importer.finishImportIfReady()) view.reload(importer, environment.clock());
+        if (importer.finishImportIfReady()) view.reload(importer.state(), environment.clock());
         if (resumedAfterStop) {
             resumedAfterStop = 0;
             view.redrawWhole();
@@ -172,8 +173,8 @@ int runWatchCommand(const std::vector<std::string>& arguments) {
     }
     // A run under way is completed, so that its results reach the store whole.
     importer.setObserver(nullptr);
-    if (importer.finishImport()) view.reload(importer, environment.clock());
-    view.finish();
+    if (importer.finishImport()) view.reload(importer.state(), environment.clock());
+    view.finish(environment.clock());
     return 0;
 }
 

@@ -1,17 +1,12 @@
 #pragma once
 
 #include "PanelRenderer.hpp"
-#include "model/EngineEnvironment.hpp"
-#include "import/UsageImporter.hpp"
-#include "ui/CountingText.hpp"
-#include "IcuLocaleFormatter.hpp"
-#include "ui/MenuModel.hpp"
-#include "ui/TypewriterTitle.hpp"
+#include "ui/PanelSession.hpp"
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <termios.h>
 
@@ -27,45 +22,35 @@ inline constexpr std::string_view leaveAlternateScreen = "\x1b[?25h\x1b[?1049l";
 // between imports; elsewhere it is printed once after every import.
 class WatchPanelView {
 public:
-    WatchPanelView(const EngineEnvironment& environment, IcuLocaleFormatter locale, std::FILE* stream, bool isTerminal,
-                   bool showsKeyHints, Date started);
+    WatchPanelView(PanelSession& session, std::filesystem::path storeFile, std::FILE* stream, bool isTerminal,
+                   bool showsKeyHints);
     ~WatchPanelView();
     WatchPanelView(const WatchPanelView&) = delete;
     WatchPanelView& operator=(const WatchPanelView&) = delete;
 
     // An import finished (or the view starts): the store is read again.
-    void reload(const UsageImporter& importer, Date now);
+    void reload(const ImporterState& importer, Date now);
     // The importer published a change within a run: an import began or ended,
     // the duplicate purge moved on.
-    void importerChanged(const UsageImporter& importer, Date now);
-    // Between imports: redraws when the title or the counter moved.
+    void importerChanged(const ImporterState& importer, Date now);
+    // Between events: redraws when anything on screen moved.
     void animate(Date now);
     // The screen was given back meanwhile (the process was stopped): the next
     // drawing takes the alternate screen again and draws everything.
     void redrawWhole();
     // Leaves the alternate screen and prints the panel as it last stood, without the key hints.
-    void finish();
+    void finish(Date now);
 
 private:
-    void recompute(Date now);
-    PanelFrame frameAt(Date now) const;
     void draw(Date now);
 
-    const EngineEnvironment& environment_;
-    IcuLocaleFormatter locale_;
+    PanelSession& session_;
+    std::filesystem::path storeFile_;
     std::FILE* stream_;
     bool isTerminal_;
     bool showsKeyHints_;
-    Date started_;
-    std::vector<TypewriterFrame> timeline_;
-
-    std::vector<UsageSample> samples_;
-    std::optional<std::string> storeError_;
-    ImporterState importer_;
-    MenuModel model_;
-    Date modelComputedAt_;
-    CountingAnchor counterAnchor_;
-
+    // Nothing is drawn before the store has been read once.
+    bool reloaded_ = false;
     bool onAlternateScreen_ = false;
     std::string lastDrawn_;
 };

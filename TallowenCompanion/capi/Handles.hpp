@@ -38,7 +38,7 @@ struct tw_file_work {
 
 struct tw_purge {
     tallowen::PurgeJob job;
-    std::optional<tallowen::PurgeOutcome> outcome;
+    std::optional<tallowen::Result<int64_t>> outcome;
 };
 
 struct tw_sync_status {

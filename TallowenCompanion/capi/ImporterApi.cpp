@@ -113,10 +113,11 @@ void tw_file_work_run(tw_file_work* work) {
 
 void tw_file_work_free(tw_file_work* work) { delete work; }
 
-tw_purge* tw_importer_purge(tw_importer* importer, const tw_file_work* work) {
-    if (importer == nullptr || work == nullptr) return nullptr;
+tw_purge* tw_importer_files_read(tw_importer* importer, tw_file_work* work) {
+    std::unique_ptr<tw_file_work> owned(work);
+    if (importer == nullptr || !owned) return nullptr;
     try {
-        std::optional<tallowen::PurgeJob> job = importer->importer->purgeJob(work->work);
+        std::optional<tallowen::PurgeJob> job = importer->importer->filesRead(std::move(owned->work));
         if (!job) return nullptr;
         return new tw_purge{std::move(*job), std::nullopt};
     } catch (...) {
@@ -130,16 +131,9 @@ void tw_purge_run(tw_purge* purge, void (*progress)(void* context, double fracti
         purge->outcome = purge->job.run([progress, context](double fraction) {
             if (progress != nullptr) progress(context, fraction);
         });
-    } catch (const std::exception& error) {
-        tallowen::PurgeOutcome failed;
-        failed.ran = true;
-        failed.error = std::string("Nettoyage des doublons : ") + error.what();
-        purge->outcome = std::move(failed);
     } catch (...) {
-        tallowen::PurgeOutcome failed;
-        failed.ran = true;
-        failed.error = "Nettoyage des doublons : erreur inconnue";
-        purge->outcome = std::move(failed);
+        // Only an exhausted memory lands here: the purge counts as not run and is due again.
+        purge->outcome.reset();
     }
 }
 
@@ -149,16 +143,13 @@ void tw_importer_purge_progressed(tw_importer* importer, double fraction) {
     if (importer != nullptr) importer->importer->purgeProgressed(fraction);
 }
 
-char* tw_importer_finish(tw_importer* importer, tw_file_work* work, tw_purge* purge) {
-    std::unique_ptr<tw_file_work> ownedWork(work);
-    std::unique_ptr<tw_purge> ownedPurge(purge);
-    if (importer == nullptr || !ownedWork) return nullptr;
+char* tw_importer_finish(tw_importer* importer, tw_purge* purge) {
+    std::unique_ptr<tw_purge> owned(purge);
+    if (importer == nullptr) return nullptr;
     try {
-        std::optional<tallowen::PurgeOutcome> outcome;
-        if (ownedPurge) outcome = std::move(ownedPurge->outcome);
-        const tallowen::ImportRunReport report =
-            importer->importer->completeRun(std::move(ownedWork->work), std::move(outcome));
-        return tallowen::capi::ownedText(reportJson(report));
+        std::optional<tallowen::Result<int64_t>> outcome;
+        if (owned) outcome = std::move(owned->outcome);
+        return tallowen::capi::ownedText(reportJson(importer->importer->completeRun(std::move(outcome))));
     } catch (...) {
         return nullptr;
     }

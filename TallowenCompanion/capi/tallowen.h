@@ -161,20 +161,21 @@ char *tw_importer_state(const tw_importer *importer);
  *    (a run is under way). Otherwise the run's file work.
  * 2. tw_file_work_run (any thread, once): load the import state, read the
  *    logs, save the state.
- * 3. tw_importer_purge (importer's thread): the one-time purge, or NULL when
- *    it is not due. tw_purge_run (any thread, once) opens its own store and
- *    reports progress from that thread; hand each fraction to
- *    tw_importer_purge_progressed on the importer's thread.
+ * 3. tw_importer_files_read (importer's thread) takes the file work back and
+ *    frees it; it gives the one-time purge, or NULL when it is not due.
+ *    tw_purge_run (any thread, once) opens its own store and reports progress
+ *    from that thread; hand each fraction to tw_importer_purge_progressed on
+ *    the importer's thread.
  * 4. tw_importer_finish (importer's thread): writes the samples, publishes,
- *    frees the file work and the purge, and returns the run's report as JSON
- *    (samplesInserted, samplesUpdated, samplesUnchanged, duplicatesRemoved,
- *    filesRead, filesReused, lastError). */
+ *    frees the purge (NULL when there was none), and returns the run's report
+ *    as JSON (samplesInserted, samplesUpdated, samplesUnchanged,
+ *    duplicatesRemoved, filesRead, filesReused, lastError). */
 tw_file_work *tw_importer_begin(tw_importer *importer);
 void tw_file_work_run(tw_file_work *work);
-tw_purge *tw_importer_purge(tw_importer *importer, const tw_file_work *work);
+tw_purge *tw_importer_files_read(tw_importer *importer, tw_file_work *work);
 void tw_purge_run(tw_purge *purge, void (*progress)(void *context, double fraction), void *context);
 void tw_importer_purge_progressed(tw_importer *importer, double fraction);
-char *tw_importer_finish(tw_importer *importer, tw_file_work *work, tw_purge *purge);
+char *tw_importer_finish(tw_importer *importer, tw_purge *purge);
 /* For a run abandoned before tw_importer_finish. */
 void tw_file_work_free(tw_file_work *work);
 void tw_purge_free(tw_purge *purge);

@@ -1,5 +1,7 @@
 #include "import/DaySample.hpp"
 
+#include <algorithm>
+
 namespace tallowen {
 
 void copyDayIntoSample(UsageSample& sample, const DayUsage& day) {
@@ -24,6 +26,16 @@ UsageSample sampleOfDay(std::string_view dayKey, UsageTool tool, const DayUsage&
     sample.tool = rawValue(tool);
     copyDayIntoSample(sample, day);
     return sample;
+}
+
+std::vector<UsageSample> samplesOfResults(const ToolResults& results) {
+    std::vector<UsageSample> samples;
+    for (const auto& [tool, days] : results)
+        for (const auto& [key, day] : days) samples.push_back(sampleOfDay(key, tool, day));
+    std::sort(samples.begin(), samples.end(), [](const UsageSample& a, const UsageSample& b) {
+        return a.dayKey != b.dayKey ? a.dayKey < b.dayKey : a.tool < b.tool;
+    });
+    return samples;
 }
 
 }  // namespace tallowen

@@ -5,6 +5,7 @@
 #include "model/UsageTool.hpp"
 
 #include <string_view>
+#include <vector>
 
 namespace tallowen {
 
@@ -15,5 +16,9 @@ void copyDayIntoSample(UsageSample& sample, const DayUsage& day);
 
 // The sample that one tool's day stands for.
 UsageSample sampleOfDay(std::string_view dayKey, UsageTool tool, const DayUsage& day);
+
+// The samples of a run's results, one per day and tool, by day key then tool
+// raw value.
+std::vector<UsageSample> samplesOfResults(const ToolResults& results);
 
 }  // namespace tallowen

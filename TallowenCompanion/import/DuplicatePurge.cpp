@@ -1,6 +1,8 @@
 #include "import/DuplicatePurge.hpp"
 
 #include <algorithm>
+#include <exception>
+#include <memory>
 #include <optional>
 
 namespace tallowen {
@@ -50,12 +52,8 @@ std::set<std::string> allStoredKeys(SampleStore& store, int64_t recordCount, int
     return keys;
 }
 
-}  // namespace
-
-std::string sampleKey(const std::string& dayKey, const std::string& tool) { return dayKey + "|" + tool; }
-
-int64_t purgeDuplicates(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress,
-                        int64_t pageSize) {
+int64_t purgeStore(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress,
+                   int64_t pageSize) {
     const auto runKeyCount = static_cast<int64_t>(runKeys.size());
     if (runKeyCount >= store.count()) return 0;
 
@@ -70,48 +68,22 @@ int64_t purgeDuplicates(SampleStore& store, const std::set<std::string>& runKeys
     return deleted;
 }
 
-namespace {
-
-PurgeOutcome purgeReporting(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress) {
-    PurgeOutcome outcome;
-    outcome.ran = true;
-    try {
-        outcome.deleted = purgeDuplicates(store, runKeys, progress);
-    } catch (const StoreError& error) {
-        outcome.error = std::string("Nettoyage des doublons : ") + error.what();
-    }
-    return outcome;
-}
-
 }  // namespace
 
-PurgeOutcome PurgeJob::run(const PurgeProgress& progress) const {
-    std::unique_ptr<SampleStore> store;
+std::string sampleKey(const std::string& dayKey, const std::string& tool) { return dayKey + "|" + tool; }
+
+Result<int64_t> purgeDuplicates(const SampleStoreOpener& openStore, const std::set<std::string>& runKeys,
+                                const PurgeProgress& progress, int64_t pageSize) {
     try {
-        store = openStore();
+        const std::unique_ptr<SampleStore> store = openStore();
+        return purgeStore(*store, runKeys, progress, pageSize);
     } catch (const std::exception& error) {
-        PurgeOutcome failed;
-        failed.ran = true;
-        failed.error = std::string("Nettoyage des doublons : ") + error.what();
-        return failed;
+        return failure(std::string("Nettoyage des doublons : ") + error.what());
     }
-    return purgeReporting(*store, runKeys, progress);
 }
 
-void recordPurgeOutcome(const PurgeOutcome& outcome, SettingsStore& settings, const LogLine& log) {
-    if (!outcome.ran || outcome.error) return;
-    settings.setBool(purgeDoneSettingsKey, true);
-    if (outcome.deleted > 0 && log)
-        log("TallowenCompanion: " + std::to_string(outcome.deleted) + " doublon(s) supprimé(s)");
-}
-
-PurgeOutcome runOneTimePurge(SampleStore& store, SettingsStore& settings, const std::set<std::string>& runKeys,
-                             const PurgeProgress& progress, const LogLine& log) {
-    if (settings.boolValue(purgeDoneSettingsKey)) return PurgeOutcome{};
-    if (progress) progress(0);
-    const PurgeOutcome outcome = purgeReporting(store, runKeys, progress);
-    recordPurgeOutcome(outcome, settings, log);
-    return outcome;
+std::string purgeLogLine(int64_t deleted) {
+    return "TallowenCompanion: " + std::to_string(deleted) + " doublon(s) supprimé(s)";
 }
 
 }  // namespace tallowen

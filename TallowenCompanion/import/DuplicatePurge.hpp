@@ -1,11 +1,10 @@
 #pragma once
 
-#include "model/SettingsStore.hpp"
+#include "base/Result.hpp"
 #include "store/SampleStore.hpp"
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <set>
 #include <string>
 
@@ -16,38 +15,30 @@ std::string sampleKey(const std::string& dayKey, const std::string& tool);
 
 inline constexpr const char* purgeDoneSettingsKey = "usageSamplePurge.v1";
 
-struct PurgeOutcome {
-    bool ran = false;              // false when the purge had already completed
-    int64_t deleted = 0;
-    std::optional<std::string> error;  // "Nettoyage des doublons : …"
-};
-
 using PurgeProgress = std::function<void(double fraction)>;
 using LogLine = std::function<void(const std::string& line)>;
 
-// Removes duplicate samples; returns how many records were deleted.
-// Throws StoreError.
-int64_t purgeDuplicates(SampleStore& store, const std::set<std::string>& runKeys, const PurgeProgress& progress,
-                        int64_t pageSize = 50000);
+// Removes duplicate samples, keeping the newest of each (day, tool) slot:
+// first the run's own keys; then, only when the store still holds more than
+// 400 records beyond them, every other key found by a scan in pages. Reports
+// each key done as a fraction of its pass.
+//
+// Works on a store of its own, opened here, so that it may run on a thread of
+// its own while the caller's store waits. Gives the number deleted, or the
+// line for the user: "Nettoyage des doublons : " and the store's description.
+Result<int64_t> purgeDuplicates(const SampleStoreOpener& openStore, const std::set<std::string>& runKeys,
+                                const PurgeProgress& progress, int64_t pageSize = 50000);
 
-// The one-time purge of an import run, as a job for a thread of its own: it
-// opens a store of its own and touches nothing else.
+// The one-time purge of an import run, as a value to run on a thread of its own.
 struct PurgeJob {
     SampleStoreOpener openStore;
     std::set<std::string> runKeys;
 
-    // `ran` is true; `error` is set when the store failed.
-    PurgeOutcome run(const PurgeProgress& progress) const;
+    Result<int64_t> run(const PurgeProgress& progress) const { return purgeDuplicates(openStore, runKeys, progress); }
 };
 
-// After a purge that completed: sets the flag and logs
-// "TallowenCompanion: N doublon(s) supprimé(s)" when anything was deleted.
-void recordPurgeOutcome(const PurgeOutcome& outcome, SettingsStore& settings, const LogLine& log);
-
-// The once-per-installation purge: skipped when the flag is set; on success
-// sets the flag and logs "TallowenCompanion: N doublon(s) supprimé(s)" when
-// anything was deleted.
-PurgeOutcome runOneTimePurge(SampleStore& store, SettingsStore& settings, const std::set<std::string>& runKeys,
-                             const PurgeProgress& progress, const LogLine& log);
+// The console line of a purge that deleted something:
+// "TallowenCompanion: 12 doublon(s) supprimé(s)".
+std::string purgeLogLine(int64_t deleted);
 
 }  // namespace tallowen

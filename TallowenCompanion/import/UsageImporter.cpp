@@ -5,22 +5,38 @@
 #include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
 
+#include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <exception>
 #include <set>
 
 namespace tallowen {
 
-// Members are destroyed last to first: the file work is waited for before
-// the lock is let go.
+// Members are destroyed last to first: the purge and the file work are
+// waited for before what they use and the lock are let go.
 struct UsageImporter::RunInProgress {
+    RunInProgress(SupportFolderLock heldLock, ToolResults activity)
+        : lock(std::move(heldLock)), activityResults(std::move(activity)) {}
+
     SupportFolderLock lock;
     ToolResults activityResults;
     // Set when the file work runs on a thread of the engine's own.
     std::future<ImportFileWork> fileWork;
-    bool purgeUnderWay = false;
     std::chrono::steady_clock::time_point startedAt = std::chrono::steady_clock::now();
+
+    // Once the file work is back.
+    bool filesRead = false;
+    ToolResults results;
+    std::vector<UsageTool> detected;
+    ImportRunReport report;
+    std::unique_ptr<SampleStore> store;
+
+    // The purge's latest fraction, written by its thread and read here: the
+    // only value the two threads share.
+    std::atomic<double> purgeFraction{0};
+    std::future<Result<int64_t>> purge;
+    // A purge handed out and not finished yet.
+    bool purgeUnderWay = false;
 };
 
 namespace {
@@ -41,10 +57,6 @@ UsageImporter::UsageImporter(EngineEnvironment environment, SampleStoreOpener op
       settings_(settings),
       activity_(activity),
       readLogs_(std::move(readLogs)),
-      logLine_([](const std::string& line) {
-          std::fputs((line + "\n").c_str(), stdout);
-          std::fflush(stdout);
-      }),
       lastImport_(settings.dateValue(lastImportSettingsKey)) {}
 
 // A run still under way is waited for (its file work holds no engine state)
@@ -59,29 +71,17 @@ std::optional<ImportFileWork> UsageImporter::beginRun(ImportRunReport::Outcome& 
     SupportFolderLock lock = SupportFolderLock::tryAcquire(environment_.supportFolder);
     // A folder where no lock can be taken is one where no other process can
     // import either; the run goes on and meets the folder's faults itself.
+    lastRequestDroppedElsewhere_ = lock.status() == SupportFolderLock::Status::busy;
     outcome = ImportRunReport::Outcome::droppedOtherProcess;
-    if (lock.status() == SupportFolderLock::Status::busy) return std::nullopt;
+    if (lastRequestDroppedElsewhere_) return std::nullopt;
 
-    outcome = ImportRunReport::Outcome::completed;
     isImporting_ = true;
     publish(ImporterProperty::isImporting);
     setLastError(std::nullopt);
-    run_ = std::make_unique<RunInProgress>(
-        RunInProgress{std::move(lock), activity_.dayUsage(environment_.calendar), {}, false,
-                      std::chrono::steady_clock::now()});
-    return ImportFileWork{environment_.homeFolder, environment_.supportFolder, environment_.calendar, readLogs_, {}, {}};
-}
-
-std::optional<PurgeJob> UsageImporter::purgeJob(const ImportFileWork& work) {
-    // Once done, the purge is skipped without a word to the observers.
-    if (!run_ || settings_.boolValue(purgeDoneSettingsKey)) return std::nullopt;
-    run_->purgeUnderWay = true;
-    setPurgeProgress(0.0);
-    return PurgeJob{openStore_, sampleKeysOf(work.logs.results)};
-}
-
-void UsageImporter::purgeProgressed(double fraction) {
-    if (run_ && run_->purgeUnderWay) setPurgeProgress(fraction);
+    run_ = std::make_unique<RunInProgress>(std::move(lock), activity_.dayUsage(environment_.calendar));
+    outcome = ImportRunReport::Outcome::completed;
+    return ImportFileWork{environment_.homeFolder, environment_.supportFolder, environment_.calendar, readLogs_, {},
+                          {}};
 }
 
 ImportRunReport::Outcome UsageImporter::startImport() {
@@ -95,17 +95,9 @@ ImportRunReport::Outcome UsageImporter::startImport() {
     return outcome;
 }
 
-std::optional<ImportRunReport> UsageImporter::finishImportIfReady() {
-    if (!run_ || !run_->fileWork.valid() ||
-        run_->fileWork.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
-        return std::nullopt;
-    return finishImport();
-}
+std::optional<ImportRunReport> UsageImporter::finishImportIfReady() { return advance(false); }
 
-std::optional<ImportRunReport> UsageImporter::finishImport() {
-    if (!run_ || !run_->fileWork.valid()) return std::nullopt;
-    return finishWith(run_->fileWork.get());
-}
+std::optional<ImportRunReport> UsageImporter::finishImport() { return advance(true); }
 
 ImportRunReport UsageImporter::runImport() {
     const auto started = startImport();
@@ -117,41 +109,96 @@ ImportRunReport UsageImporter::runImport() {
     return *finishImport();
 }
 
-ImportRunReport UsageImporter::finishWith(ImportFileWork work) {
-    std::optional<PurgeOutcome> purge;
-    if (const std::optional<PurgeJob> job = purgeJob(work))
-        purge = job->run([this](double fraction) { purgeProgressed(fraction); });
-    return completeRun(std::move(work), std::move(purge));
+std::optional<ImportRunReport> UsageImporter::advance(bool wait) {
+    constexpr auto pollInterval = std::chrono::milliseconds(40);
+    // A run driven in steps is not moved on from here.
+    if (!run_ || (!run_->filesRead && !run_->fileWork.valid())) return std::nullopt;
+    if (!run_->filesRead) {
+        if (!wait && run_->fileWork.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return std::nullopt;
+        if (std::optional<PurgeJob> job = filesRead(run_->fileWork.get())) {
+            run_->purge = std::async(std::launch::async, [job = std::move(*job), fraction = &run_->purgeFraction] {
+                return job.run([fraction](double done) { fraction->store(done, std::memory_order_relaxed); });
+            });
+        }
+    }
+    if (run_->purge.valid()) {
+        for (;;) {
+            const bool done = run_->purge.wait_for(wait ? pollInterval : std::chrono::milliseconds(0)) ==
+                              std::future_status::ready;
+            const double fraction = run_->purgeFraction.load(std::memory_order_relaxed);
+            if (purgeProgress_ != fraction) setPurgeProgress(fraction);
+            if (done) break;
+            if (!wait) return std::nullopt;
+        }
+        purgeFinished(run_->purge.get());
+    }
+    return complete();
 }
 
-ImportRunReport UsageImporter::completeRun(ImportFileWork work, std::optional<PurgeOutcome> purge) {
-    ImportRunReport report;
-    if (!run_) {
-        report.outcome = ImportRunReport::Outcome::droppedRunUnderWay;
-        return report;
-    }
-    if (work.failure) logLine_("TallowenCompanion: " + *work.failure);
-    report.filesRead = work.logs.counters.filesRead;
-    report.filesReused = work.logs.counters.filesReused;
-    ToolResults results = std::move(work.logs.results);
-    std::vector<UsageTool> detected = std::move(work.logs.detected);
+std::optional<PurgeJob> UsageImporter::filesRead(ImportFileWork work) {
+    if (!run_ || run_->filesRead) return std::nullopt;
+    RunInProgress& run = *run_;
+    run.filesRead = true;
+    if (work.failure && logLine_) logLine_("TallowenCompanion: " + *work.failure);
+    run.report.filesRead = work.logs.counters.filesRead;
+    run.report.filesReused = work.logs.counters.filesReused;
+    run.results = std::move(work.logs.results);
+    run.detected = std::move(work.logs.detected);
 
-    if (purge) {
-        applyPurge(*purge, report);
+    try {
+        run.store = openStore_();
+    } catch (const std::exception& error) {
+        setLastError(unreadableStoreText(error));
+        return std::nullopt;
+    }
+    // Once done, the purge is skipped without a word to the observers.
+    if (settings_.boolValue(purgeDoneSettingsKey)) return std::nullopt;
+    run.purgeUnderWay = true;
+    setPurgeProgress(0.0);
+    return PurgeJob{openStore_, sampleKeysOf(run.results)};
+}
+
+void UsageImporter::purgeProgressed(double fraction) {
+    if (run_ && run_->purgeUnderWay && purgeProgress_ != fraction) setPurgeProgress(fraction);
+}
+
+ImportRunReport UsageImporter::completeRun(std::optional<Result<int64_t>> purged) {
+    if (!run_ || !run_->filesRead) {
+        ImportRunReport dropped;
+        dropped.outcome = ImportRunReport::Outcome::droppedRunUnderWay;
+        return dropped;
+    }
+    if (purged) {
+        purgeFinished(*purged);
     } else if (run_->purgeUnderWay) {
-        // A purge handed out and never run: it is due again next time.
+        // A purge handed out and never run is due again next time.
         run_->purgeUnderWay = false;
         setPurgeProgress(std::nullopt);
     }
+    return complete();
+}
 
-    std::unique_ptr<SampleStore> store;
-    try {
-        store = openStore_();
-    } catch (const std::exception& error) {
-        setLastError(unreadableStoreText(error));
+void UsageImporter::purgeFinished(const Result<int64_t>& purged) {
+    run_->purgeUnderWay = false;
+    if (!purged) {
+        setLastError(purged.error());
+    } else {
+        settings_.setBool(purgeDoneSettingsKey, true);
+        if (*purged > 0) {
+            addChecked(run_->report.duplicatesRemoved, *purged);
+            if (lastError_) setLastError(std::nullopt);
+            if (logLine_) logLine_(purgeLogLine(*purged));
+        }
     }
+    setPurgeProgress(std::nullopt);
+}
 
-    for (auto& [tool, days] : run_->activityResults) {
+ImportRunReport UsageImporter::complete() {
+    RunInProgress& run = *run_;
+    ImportRunReport report = std::move(run.report);
+    ToolResults results = std::move(run.results);
+    std::vector<UsageTool> detected = std::move(run.detected);
+    for (auto& [tool, days] : run.activityResults) {
         if (days.empty()) continue;
         results[tool] = std::move(days);
         detected.push_back(tool);
@@ -159,9 +206,9 @@ ImportRunReport UsageImporter::completeRun(ImportFileWork work, std::optional<Pu
     detectedTools_ = detected;
     publish(ImporterProperty::detectedTools);
 
-    if (store) {
+    if (run.store) {
         try {
-            const SampleWriteOutcome written = writeSamples(*store, results, environment_.clock());
+            const SampleWriteOutcome written = writeSamples(*run.store, results, environment_.clock());
             report.samplesInserted = written.inserted;
             report.samplesUpdated = written.updated;
             report.samplesUnchanged = written.unchanged;
@@ -177,29 +224,16 @@ ImportRunReport UsageImporter::completeRun(ImportFileWork work, std::optional<Pu
     settings_.setDate(lastImportSettingsKey, now);
     publish(ImporterProperty::lastImport);
 
-    if (store) recomputeTodayFigures(*store, now);
+    if (run.store) recomputeTodayFigures(*run.store, now);
 
-    store.reset();
     report.detectedTools = detectedTools_;
     report.lastError = lastError_;
-    report.elapsedSeconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - run_->startedAt).count();
+    report.elapsedSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - run.startedAt).count();
     run_.reset();
+    hasCompletedRun_ = true;
     isImporting_ = false;
     publish(ImporterProperty::isImporting);
     return report;
-}
-
-void UsageImporter::applyPurge(const PurgeOutcome& purge, ImportRunReport& report) {
-    run_->purgeUnderWay = false;
-    recordPurgeOutcome(purge, settings_, logLine_);
-    if (purge.error) {
-        setLastError(purge.error);
-    } else if (purge.deleted > 0) {
-        addChecked(report.duplicatesRemoved, purge.deleted);
-        if (lastError_) setLastError(std::nullopt);
-    }
-    setPurgeProgress(std::nullopt);
 }
 
 void UsageImporter::recomputeTodayFigures(SampleStore& store, Date now) {
@@ -221,6 +255,18 @@ void UsageImporter::recomputeTodayFigures(SampleStore& store, Date now) {
     assignIfChanged(todaySessions_, sessions, ImporterProperty::todaySessions);
     assignIfChanged(todayTokens_, tokens, ImporterProperty::todayTokens);
     assignIfChanged(todayCostCents_, costCents, ImporterProperty::todayCostCents);
+}
+
+ImporterState UsageImporter::state() const {
+    return ImporterState{isImporting_,   lastImport_,   lastError_, detectedTools_,
+                         purgeProgress_, !hasCompletedRun_ && lastRequestDroppedElsewhere_};
+}
+
+ImporterState storedImporterState(const SettingsStore& settings) {
+    ImporterState state;
+    state.lastImport = settings.dateValue(lastImportSettingsKey);
+    state.detectedToolsFromStore = true;
+    return state;
 }
 
 void UsageImporter::publish(ImporterProperty property) const {

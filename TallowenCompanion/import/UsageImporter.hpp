@@ -6,6 +6,7 @@
 #include "import/DuplicatePurge.hpp"
 #include "import/ImportFileWork.hpp"
 #include "import/ImportRunReport.hpp"
+#include "import/ImporterState.hpp"
 #include "readers/UsageReaders.hpp"
 #include "store/SampleStore.hpp"
 
@@ -38,11 +39,11 @@ enum class ImporterProperty {
 // one sample per day and tool and publishes a few figures.
 //
 // Everything here is called on one thread (the main thread). The file work
-// of a run (the import state file and the logs) and the one-time purge run
-// elsewhere and come back as values; nothing is shared with them while they
-// work. A shell with threads of its own drives a run in steps: beginRun, the
-// file work, purgeJob and its run, completeRun. startImport and finishImport
-// do the same with a thread of the engine's own.
+// of a run (the import state file and the logs) runs on one background thread
+// and comes back as a value; then the one-time purge, when it has not
+// completed yet, runs on a thread of its own with a store of its own while
+// its progress comes back as a plain value, and the samples are written only
+// once it has finished. Nothing else is shared with those threads.
 class UsageImporter {
 public:
     UsageImporter(EngineEnvironment environment, SampleStoreOpener openStore, SettingsStore& settings,
@@ -51,36 +52,38 @@ public:
     UsageImporter(const UsageImporter&) = delete;
     UsageImporter& operator=(const UsageImporter&) = delete;
 
-    // Starts a run on this thread: guards against a second one, clears the
-    // last error, takes the activations' days and returns the file work for
-    // the caller to run anywhere, once. Nothing when the request is dropped,
-    // with `outcome` saying why.
-    std::optional<ImportFileWork> beginRun(ImportRunReport::Outcome& outcome);
-    // After the file work: the one-time purge to run before completing, on
-    // its own thread; nothing when it has already completed. Publishes a
-    // progress of 0 when there is one.
-    std::optional<PurgeJob> purgeJob(const ImportFileWork& work);
-    // The purge moved on; ignored when no purge of this run is under way.
-    void purgeProgressed(double fraction);
-    // Completes the run begun by beginRun with its file work and, when there
-    // was one, the purge's outcome: writes the samples and publishes.
-    ImportRunReport completeRun(ImportFileWork work, std::optional<PurgeOutcome> purge);
-
-    // Starts a run and sends its file work to a thread of the engine. A request made
+    // Starts a run and sends its file work to the background. A request made
     // while a run is under way, here or in another process on the same
     // support folder, is dropped: nothing changes and the outcome says why.
     ImportRunReport::Outcome startImport();
-    // Completes the run once its file work is back; nothing while that work is
-    // still going on or when no run is under way. Never blocks.
+    // Moves the run on without waiting: starts the purge once the file work
+    // is back, publishes its progress, and completes the run once it has
+    // finished. The report when the run completed; nothing while it is still
+    // going on or when no run is under way. Call it often: the purge's
+    // progress is published from here.
     std::optional<ImportRunReport> finishImportIfReady();
-    // Completes the run under way, waiting for its file work.
+    // Completes the run under way, waiting for its file work and its purge
+    // (whose progress is published meanwhile).
     std::optional<ImportRunReport> finishImport();
     // A whole run: start, then finish. A dropped request gives a report that says so.
     ImportRunReport runImport();
 
+    // The same run in steps, for a shell that runs the file work and the
+    // purge on threads (tasks) of its own and hands their results back here:
+    // beginRun guards and starts the run and gives its file work, to run
+    // anywhere, once (nothing when the request is dropped, `outcome` saying
+    // why); filesRead takes the work back and gives the one-time purge to
+    // run when it is due (its progress 0 published); purgeProgressed
+    // publishes the purge's fractions; completeRun writes the samples, with
+    // the purge's result when there was one.
+    std::optional<ImportFileWork> beginRun(ImportRunReport::Outcome& outcome);
+    std::optional<PurgeJob> filesRead(ImportFileWork work);
+    void purgeProgressed(double fraction);
+    ImportRunReport completeRun(std::optional<Result<int64_t>> purged);
+
     // Called after every assignment of a published property.
     void setObserver(std::function<void(ImporterProperty)> observer) { observer_ = std::move(observer); }
-    // Where console lines ("TallowenCompanion: …") go; the standard output by default.
+    // Where console lines ("TallowenCompanion: …") go; nowhere unless a shell asks.
     void setLogLine(LogLine logLine) { logLine_ = std::move(logLine); }
 
     bool isImporting() const { return isImporting_; }
@@ -91,12 +94,15 @@ public:
     int64_t todayTokens() const { return todayTokens_; }
     int64_t todayCostCents() const { return todayCostCents_; }
     std::optional<double> purgeProgress() const { return purgeProgress_; }
+    // The published properties together, for a panel.
+    ImporterState state() const;
 
 private:
     struct RunInProgress;
 
-    ImportRunReport finishWith(ImportFileWork work);
-    void applyPurge(const PurgeOutcome& purge, ImportRunReport& report);
+    std::optional<ImportRunReport> advance(bool wait);
+    void purgeFinished(const Result<int64_t>& purged);
+    ImportRunReport complete();
     void recomputeTodayFigures(SampleStore& store, Date now);
 
     void publish(ImporterProperty property) const;
@@ -122,6 +128,12 @@ private:
     std::optional<double> purgeProgress_;
 
     std::unique_ptr<RunInProgress> run_;
+    bool hasCompletedRun_ = false;
+    bool lastRequestDroppedElsewhere_ = false;
 };
+
+// The importer's state for a panel when no import runs in this process: the
+// last import from the settings, the detected tools from the store.
+ImporterState storedImporterState(const SettingsStore& settings);
 
 }  // namespace tallowen

@@ -58,7 +58,8 @@ public:
     virtual std::vector<SampleSlot> slotPage(int64_t offset, int64_t limit) = 0;
 };
 
-// Opens the sample store afresh (a context of its own); throws StoreError when it cannot.
+// Opens the store afresh on each call, each object for one thread at a time;
+// may be called from any thread. Throws StoreError when it cannot.
 using SampleStoreOpener = std::function<std::unique_ptr<SampleStore>()>;
 
 }  // namespace tallowen

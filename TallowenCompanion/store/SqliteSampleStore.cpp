@@ -464,4 +464,14 @@ std::string SqliteSampleStore::insertDayRecord(const DayRecord& record) {
     });
 }
 
+Result<std::vector<UsageSample>> readStoredSamples(const std::filesystem::path& storeFile) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(storeFile, ignored)) return std::vector<UsageSample>{};
+    try {
+        return SqliteSampleStore(storeFile, SqliteSampleStore::Access::readOnly).fetchAll();
+    } catch (const StoreError& error) {
+        return failure(unreadableStoreText(error));
+    }
+}
+
 }  // namespace tallowen

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Result.hpp"
 #include "model/DayRecord.hpp"
 #include "store/SampleStore.hpp"
 
@@ -36,6 +37,10 @@ public:
     static constexpr const char* fileName = "store.sqlite";
 
     explicit SqliteSampleStore(std::filesystem::path path, Access access = Access::readWrite);
+    // The store of a support folder: `fileName` inside it.
+    static std::filesystem::path locationIn(const std::filesystem::path& supportFolder) {
+        return supportFolder / fileName;
+    }
     ~SqliteSampleStore() override;
     SqliteSampleStore(const SqliteSampleStore&) = delete;
     SqliteSampleStore& operator=(const SqliteSampleStore&) = delete;
@@ -80,5 +85,10 @@ private:
     bool schemaReady_ = false;
     std::map<std::string, sqlite3_stmt*, std::less<>> statements_;
 };
+
+// Every sample of the store file, read without changing it; none when the
+// file does not exist yet (looking creates no empty store). The failure is
+// the line shown to the user: "Store illisible : …".
+Result<std::vector<UsageSample>> readStoredSamples(const std::filesystem::path& storeFile);
 
 }  // namespace tallowen

@@ -5,7 +5,6 @@
 #include "model/DayKey.hpp"
 #include "summary/OneSamplePerSlot.hpp"
 #include "summary/WaterEquivalent.hpp"
-#include "ui/CleaningProgress.hpp"
 #include "ui/MenuFormats.hpp"
 #include "ui/QuotaBar.hpp"
 
@@ -93,9 +92,18 @@ std::vector<MenuQuotaBlock> quotaBlocks(const std::vector<UsageSample>& samples,
     return blocks;
 }
 
-void fillDetectedTools(MenuModel& model, const std::vector<UsageTool>& detected) {
+// The computer-side tools that have stored samples, in the tools' order.
+std::vector<UsageTool> storedComputerSideTools(const std::vector<UsageSample>& samples) {
+    std::set<UsageTool> tools;
+    for (const UsageSample& sample : samples)
+        if (const auto tool = usageToolFromRawValue(sample.tool); tool && isComputerSide(*tool)) tools.insert(*tool);
+    return {tools.begin(), tools.end()};
+}
+
+void fillDetectedTools(MenuModel& model, const ImporterState& importer, const std::vector<UsageSample>& samples) {
+    model.detectedTools = importer.detectedToolsFromStore ? storedComputerSideTools(samples) : importer.detectedTools;
     std::vector<std::string_view> labels;
-    for (const UsageTool tool : detected) labels.push_back(displayLabel(tool));
+    for (const UsageTool tool : model.detectedTools) labels.push_back(displayLabel(tool));
     std::stable_sort(labels.begin(), labels.end());
     model.hasDetectedTools = !labels.empty();
     if (labels.empty()) {
@@ -169,8 +177,6 @@ MenuModel computeMenuModel(const MenuInputs& inputs) {
                                               inputs.calendar);
 
     model.showsImportIndicator = inputs.importer.isImporting;
-    if (const auto progress = inputs.importer.purgeProgress)
-        model.cleaning = MenuCleaningView{*progress, cleaningPercentText(*progress), cleaningBarFraction(*progress)};
 
     const std::vector<UsageSample> samples = displayedSamples(inputs.samples);
     fillToday(model, samples, dayKey(inputs.now, inputs.calendar), locale);
@@ -183,7 +189,7 @@ MenuModel computeMenuModel(const MenuInputs& inputs) {
 
     fillWeek(model, samples, inputs.now, inputs.calendar, locale);
     model.quotaBlocks = quotaBlocks(inputs.samples, inputs.now, locale);
-    fillDetectedTools(model, inputs.importer.detectedTools);
+    fillDetectedTools(model, inputs.importer, inputs.samples);
     if (inputs.importer.lastError && !inputs.importer.lastError->empty()) model.errorLine = inputs.importer.lastError;
     fillCloud(model, inputs.sync, inputs.now, locale);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "import/ImporterState.hpp"
 #include "model/Date.hpp"
 #include "model/LocalCalendar.hpp"
 #include "model/UsageSample.hpp"
@@ -15,15 +16,6 @@
 #include <vector>
 
 namespace tallowen {
-
-// The importer's published properties the panel reads.
-struct ImporterState {
-    bool isImporting = false;
-    std::optional<Date> lastImport;
-    std::optional<std::string> lastError;
-    std::vector<UsageTool> detectedTools;
-    std::optional<double> purgeProgress;
-};
 
 // The cloud synchronisation's observed state, and the store's CloudKit
 // environment as the running application reports it (absent when it cannot
@@ -55,6 +47,8 @@ inline constexpr std::string_view developmentBadgeHelp =
     "Base CloudKit de développement : l'iPhone ne verra pas ces mesures.";
 inline constexpr std::string_view cleaningTitle = "NETTOYAGE DES MESURES";
 inline constexpr std::string_view cleaningNote = "Une seule fois. Les doublons partent, tes chiffres restent.";
+inline constexpr std::string_view loginItemLabel = "Lancer au démarrage";
+inline constexpr std::string_view updateButton = "VÉRIFIER LES MISES À JOUR";
 }  // namespace menu_text
 
 // One tool measured today: "CLAUDE CODE", then "12 · 340 k".
@@ -85,13 +79,6 @@ struct MenuQuotaBlock {
 
 enum class CloudWarningKind { none, syncing, never, stale };
 
-// What replaces the whole panel while the one-time duplicate purge runs.
-struct MenuCleaningView {
-    double progress = 0;
-    std::string percentText;  // "37 %"
-    double barFraction = 0;
-};
-
 // Every text, figure and visibility rule of the panel, computed afresh from
 // the samples and the observed state; the shells only lay it out.
 struct MenuModel {
@@ -99,8 +86,6 @@ struct MenuModel {
 
     // Title bar.
     bool showsImportIndicator = false;
-    // Present while the purge runs: the panel shows only this.
-    std::optional<MenuCleaningView> cleaning;
 
     // Today block.
     int64_t todayRequests = 0;
@@ -129,6 +114,9 @@ struct MenuModel {
     // Empty: the section and its separator are not shown.
     std::vector<MenuQuotaBlock> quotaBlocks;
 
+    // The importer's tools, or the store's when no run found them, in the
+    // importer's order.
+    std::vector<UsageTool> detectedTools;
     bool hasDetectedTools = false;
     std::string detectedToolsText;
 

@@ -47,7 +47,7 @@ protected:
         tw_file_work* work = tw_importer_begin(importer);
         if (work == nullptr) return "dropped";
         std::thread([work] { tw_file_work_run(work); }).join();
-        tw_purge* purge = tw_importer_purge(importer, work);
+        tw_purge* purge = tw_importer_files_read(importer, work);
         if (purge != nullptr) {
             std::vector<double> fractions;
             std::thread([&] {
@@ -57,7 +57,7 @@ protected:
             for (const double fraction : fractions) tw_importer_purge_progressed(importer, fraction);
             if (progress) *progress = fractions;
         }
-        return OwnedText(tw_importer_finish(importer, work, purge)).get();
+        return OwnedText(tw_importer_finish(importer, purge)).get();
     }
 
     std::vector<UsageSample> stored() const { return SqliteSampleStore(opener.path).fetchAll(); }
@@ -85,11 +85,11 @@ TEST_F(ImporterApiTest, ARequestDuringARunIsDroppedAndAnAbandonedPurgeIsDueAgain
     EXPECT_NE(state().find(R"("isImporting":true)"), std::string::npos);
     EXPECT_EQ(tw_importer_begin(importer), nullptr);
     tw_file_work_run(work);
-    tw_purge* purge = tw_importer_purge(importer, work);
+    tw_purge* purge = tw_importer_files_read(importer, work);
     ASSERT_NE(purge, nullptr);
     EXPECT_NE(state().find(R"("purgeProgress":0)"), std::string::npos);
     tw_purge_free(purge);
-    OwnedText(tw_importer_finish(importer, work, nullptr));
+    OwnedText(tw_importer_finish(importer, nullptr));
     EXPECT_NE(state().find(R"("isImporting":false)"), std::string::npos);
     EXPECT_NE(state().find(R"("purgeProgress":null)"), std::string::npos);
     EXPECT_FALSE(settingsValues.boolValue("usageSamplePurge.v1"));

@@ -3,8 +3,6 @@
 #include "PanelRenderer.hpp"
 #include "TextWidth.hpp"
 #include "summary/BottleBitmaps.hpp"
-#include "support/Dates.hpp"
-#include "support/ScopedTimeZone.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,9 +11,6 @@
 
 namespace tallowen::cli {
 namespace {
-
-using tallowen::testing::localDate;
-using tallowen::testing::ScopedTimeZone;
 
 size_t indexOf(const std::vector<std::string>& lines, std::string_view text, size_t from = 0) {
     for (size_t i = from; i < lines.size(); ++i)
@@ -30,39 +25,47 @@ int countOf(const std::vector<std::string>& lines, std::string_view text) {
     return count;
 }
 
-// A model with every section filled and long figures everywhere.
-MenuModel fullModel() {
-    MenuModel model;
-    model.todayRequests = 1234;
-    model.todayRequestsText = "1234";
-    model.todayTokensText = "12345,7 M";
-    model.todayCostText = "1\u202f234\u00a0$US au tarif API";
-    model.todayWaterText = "12\u202f345 L";
-    model.waterEquivalentText = "\u2248 206 douches";
-    model.level = BottleLevel::overflow;
-    model.comparisonLine = "AU-DESSUS DE TA MOYENNE";
-    model.toolRows = {{UsageTool::claudeCode, "CLAUDE CODE", 1000, 0, "1000 · 12345,7 M"},
-                      {UsageTool::macPerplexity, "PERPLEXITY", 234, 0, "234 · 999 k"}};
-    model.weekLine = "123456 recours · 12345,7 M · 1\u202f234\u202f567\u00a0$US";
-    model.quotaBlocks = {{UsageTool::codex,
-                          "CODEX",
-                          std::string("ENTERPRISE TEAM UNLIMITED PRO MAX 2026 PLAN"),
-                          {{"5H", 130, 1, "100 %", true, std::string("reset 59 min")},
-                           {"7J", 12, 0.12, "12 %", false, std::nullopt}}}};
-    model.hasDetectedTools = true;
-    model.detectedToolsText = "CHATGPT · CLAUDE · CLAUDE CODE · CODEX · CURSOR · PERPLEXITY";
-    model.errorLine = "Store illisible : la base de données est verrouillée depuis trop longtemps";
-    model.importButtonLabel = "IMPORT…";
-    model.importButtonEnabled = false;
-    model.showsImportIndicator = true;
-    model.lastImportText = "Import 23:59";
-    return model;
+// A frame with every section filled and long figures everywhere.
+PanelFrame fullFrame() {
+    PanelFrame frame;
+    frame.title = {"BRAIN FIRST._", TextRole::primary};
+    frame.showsImportIndicator = true;
+    PanelToday& today = frame.today;
+    today.title = "AUJOURD'HUI · RECOURS RÉELS";
+    today.requestsText = "1234";
+    today.requestsLabel = "RECOURS";
+    today.tokensLabel = "TOKENS";
+    today.counter.text = "12345,7 M";
+    today.costText = "1\u202f234\u00a0$US au tarif API";
+    today.waterTitle = "EAU · AUJOURD'HUI";
+    today.waterText = "12\u202f345 L";
+    today.equivalentText = "\u2248 206 douches";
+    today.comparisonLine = "AU-DESSUS DE TA MOYENNE";
+    const BottleBitmap& bitmap = bottleBitmap(BottleLevel::overflow);
+    today.bottleRows.assign(bitmap.begin(), bitmap.end());
+    frame.toolRows = {{UsageTool::claudeCode, "CLAUDE CODE", "1000 · 12345,7 M"},
+                      {UsageTool::macPerplexity, "PERPLEXITY", "234 · 999 k"}};
+    frame.week = {"CETTE SEMAINE", "123456 recours · 12345,7 M · 1\u202f234\u202f567\u00a0$US"};
+    frame.quotas = PanelQuotas{"QUOTAS",
+                               {{UsageTool::codex,
+                                 "CODEX",
+                                 std::string("ENTERPRISE TEAM UNLIMITED PRO MAX 2026 PLAN"),
+                                 {{"5H", 130, 1, "100 %", TextRole::warning, std::string("reset 59 min")},
+                                  {"7J", 12, 0.12, "12 %", TextRole::primary, std::nullopt}}}}};
+    frame.detectedTools = {"OUTILS DÉTECTÉS", "CHATGPT · CLAUDE · CLAUDE CODE · CODEX · CURSOR · PERPLEXITY",
+                           TextRole::primary};
+    frame.errorLine = "Store illisible : la base de données est verrouillée depuis trop longtemps";
+    frame.footer.importLabel = "IMPORT…";
+    frame.footer.importRole = TextRole::disabled;
+    frame.footer.quitLabel = "QUITTER";
+    frame.footer.lastImportText = "Import 23:59";
+    return frame;
 }
 
 TEST(PanelRendererTest, FullPanelFitsFortyEightColumnsInTheMenuOrder) {
     for (const bool colors : {false, true}) {
         const TerminalStyle style(colors);
-        const auto lines = renderPanel(fullModel(), PanelFrame{"BRAIN FIRST._", "", true}, style);
+        const auto lines = renderPanel(fullFrame(), true, style);
         for (const std::string& line : lines) {
             EXPECT_LE(displayWidth(line), panelWidth) << line;
             EXPECT_TRUE(line.empty() || line.back() != ' ') << line;
@@ -96,9 +99,10 @@ TEST(PanelRendererTest, FullPanelFitsFortyEightColumnsInTheMenuOrder) {
 }
 
 TEST(PanelRendererTest, CleaningViewReplacesThePanel) {
-    MenuModel model = fullModel();
-    model.cleaning = MenuCleaningView{0.37, "37 %", 0.37};
-    const auto lines = renderPanel(model, PanelFrame{}, TerminalStyle(false));
+    PanelFrame frame = fullFrame();
+    frame.cleaning = PanelCleaning{"NETTOYAGE DES MESURES", 0.37, "37 %", 0.37,
+                                   "Une seule fois. Les doublons partent, tes chiffres restent."};
+    const auto lines = renderPanel(frame, false, TerminalStyle(false));
     EXPECT_EQ(indexOf(lines, "AUJOURD'HUI"), std::string::npos);
     EXPECT_NE(indexOf(lines, "NETTOYAGE DES MESURES"), std::string::npos);
     EXPECT_NE(indexOf(lines, bigDigitLines("37 %")[0]), std::string::npos);

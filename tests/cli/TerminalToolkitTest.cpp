@@ -14,10 +14,10 @@ TEST(TerminalStyleTest, ColoursOnlyOnATerminalWithoutNoColor) {
     EXPECT_FALSE(colorsWanted(true, std::string("1")));
     EXPECT_FALSE(colorsWanted(false, std::nullopt));
 
-    EXPECT_EQ(TerminalStyle(false).paint(StyleRole::warning, "80 %"), "80 %");
-    const std::string painted = TerminalStyle(true).paint(StyleRole::warning, "80 %");
+    EXPECT_EQ(TerminalStyle(false).paint(TextRole::warning, "80 %"), "80 %");
+    const std::string painted = TerminalStyle(true).paint(TextRole::warning, "80 %");
     EXPECT_EQ(painted, "\x1b[33m80 %\x1b[0m");
-    EXPECT_NE(TerminalStyle(true).paint(StyleRole::primary, "x"), TerminalStyle(true).paint(StyleRole::accent, "x"));
+    EXPECT_NE(TerminalStyle(true).paint(TextRole::primary, "x"), TerminalStyle(true).paint(TextRole::accent, "x"));
     EXPECT_EQ(displayWidth(painted), 4);
 }
 

@@ -1,6 +1,5 @@
 #include "import/DuplicatePurge.hpp"
 
-#include "model/MemorySettingsStore.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "support/Dates.hpp"
 #include "support/Samples.hpp"
@@ -15,16 +14,9 @@ namespace {
 using testing::slotSample;
 using testing::utcDate;
 
-struct PurgeRecorder {
-    std::vector<double> progress;
-    std::vector<std::string> log;
-
-    PurgeOutcome run(SampleStore& store, SettingsStore& settings, const std::set<std::string>& runKeys) {
-        return runOneTimePurge(
-            store, settings, runKeys, [this](double fraction) { progress.push_back(fraction); },
-            [this](const std::string& line) { log.push_back(line); });
-    }
-};
+SampleStoreOpener opener(const std::filesystem::path& path) {
+    return [path] { return std::make_unique<SqliteSampleStore>(path); };
+}
 
 void storeAll(const std::filesystem::path& path, const std::vector<UsageSample>& samples) {
     SqliteSampleStore store(path);
@@ -32,7 +24,7 @@ void storeAll(const std::filesystem::path& path, const std::vector<UsageSample>&
     store.save();
 }
 
-TEST(DuplicatePurgeTest, OneTimePurgeKeepsTheNewestOfEachRunKey) {
+TEST(DuplicatePurgeTest, KeepsTheNewestOfEachRunKey) {
     const Date ten = utcDate(2025, 3, 14, 10), eleven = utcDate(2025, 3, 14, 11), noon = utcDate(2025, 3, 14, 12);
     const std::string codexKey = sampleKey("2025-03-14", "codex");
     struct Case {
@@ -66,29 +58,18 @@ TEST(DuplicatePurgeTest, OneTimePurgeKeepsTheNewestOfEachRunKey) {
         testing::TempDir dir;
         const auto path = dir.path() / SqliteSampleStore::fileName;
         storeAll(path, c.stored);
-        MemorySettingsStore settings;
-        PurgeRecorder recorder;
-        SqliteSampleStore store(path);
-        const PurgeOutcome outcome = recorder.run(store, settings, c.runKeys);
-        EXPECT_TRUE(outcome.ran);
-        EXPECT_FALSE(outcome.error);
-        EXPECT_EQ(outcome.deleted, c.deleted);
-        EXPECT_TRUE(settings.boolValue("usageSamplePurge.v1"));
-        ASSERT_FALSE(recorder.progress.empty());
-        EXPECT_EQ(recorder.progress.front(), 0.0);
+        std::vector<double> progress;
+        const auto deleted = purgeDuplicates(opener(path), c.runKeys, [&](double done) { progress.push_back(done); });
+        ASSERT_TRUE(deleted) << deleted.error();
+        EXPECT_EQ(*deleted, c.deleted);
         if (c.deleted > 0) {
-            EXPECT_EQ(recorder.progress.back(), 1.0);
-            EXPECT_EQ(recorder.log, std::vector<std::string>{"TallowenCompanion: " + std::to_string(c.deleted) +
-                                                             " doublon(s) supprimé(s)"});
-        } else {
-            EXPECT_TRUE(recorder.log.empty());
+            EXPECT_EQ(progress.back(), 1.0);
         }
         std::vector<Date> survivors;
         for (const auto& sample : SqliteSampleStore(path).fetchAll()) survivors.push_back(sample.updatedAt);
         EXPECT_EQ(survivors, c.survivors);
-        // Once done, the purge is not run again.
-        EXPECT_FALSE(recorder.run(store, settings, c.runKeys).ran);
     }
+    EXPECT_EQ(purgeLogLine(12), "TallowenCompanion: 12 doublon(s) supprimé(s)");
 }
 
 TEST(DuplicatePurgeTest, ManyExtraRecordsAreFoundByScanningEveryKey) {
@@ -103,11 +84,10 @@ TEST(DuplicatePurgeTest, ManyExtraRecordsAreFoundByScanningEveryKey) {
         stored.push_back(slotSample("2024-" + std::to_string(1000 + i), "claude-code", Date{3}));
     storeAll(path, stored);
 
-    SqliteSampleStore store(path);
     std::vector<double> progress;
-    const int64_t deleted = purgeDuplicates(
-        store, {sampleKey("2025-03-14", "codex")}, [&](double fraction) { progress.push_back(fraction); }, 3);
-    EXPECT_EQ(deleted, 4);
+    const auto deleted = purgeDuplicates(
+        opener(path), {sampleKey("2025-03-14", "codex")}, [&](double fraction) { progress.push_back(fraction); }, 3);
+    EXPECT_EQ(*deleted, 4);
     // The run key's pass, then one pass over the 407 other distinct keys.
     ASSERT_EQ(progress.size(), 1u + 407u);
     EXPECT_EQ(progress[0], 1.0);
@@ -122,16 +102,12 @@ TEST(DuplicatePurgeTest, ManyExtraRecordsAreFoundByScanningEveryKey) {
     }
 }
 
-TEST(DuplicatePurgeTest, AStoreFailureLeavesTheFlagUnset) {
+TEST(DuplicatePurgeTest, AStoreFailureIsTheLineShownToTheUser) {
     testing::TempDir dir;
-    SqliteSampleStore corrupt(dir.write("store.sqlite", std::string(4096, '#')));
-    MemorySettingsStore settings;
-    PurgeRecorder recorder;
-    const PurgeOutcome outcome = recorder.run(corrupt, settings, {sampleKey("2025-03-14", "codex")});
-    EXPECT_TRUE(outcome.ran);
-    EXPECT_EQ(outcome.error, "Nettoyage des doublons : file is not a database");
-    EXPECT_FALSE(settings.boolValue("usageSamplePurge.v1"));
-    EXPECT_TRUE(recorder.log.empty());
+    const auto path = dir.write("store.sqlite", std::string(4096, '#'));
+    const auto deleted = purgeDuplicates(opener(path), {sampleKey("2025-03-14", "codex")}, nullptr);
+    ASSERT_FALSE(deleted);
+    EXPECT_EQ(deleted.error(), "Nettoyage des doublons : file is not a database");
 }
 
 }  // namespace

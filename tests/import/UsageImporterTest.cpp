@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <fcntl.h>
 #include <future>
+#include <thread>
 #include <unistd.h>
 
 namespace tallowen {
@@ -89,7 +90,7 @@ struct Observed {
     long count(ImporterProperty property) const { return std::count(properties.begin(), properties.end(), property); }
 };
 
-TEST_F(UsageImporterTest, ARunWritesTheLogsAndActivationsAndPublishesTodaysFiguresPhoneIncluded) {
+TEST_F(UsageImporterTest, ARunWritesLogsAndActivationsAndCountsThePhoneInTodaysFigures) {
     writeLogs();
     UsageSample phone = testing::slotSample("2025-03-14", "phone-chatgpt", localDate(2025, 3, 14, 8));
     phone.sessions = 3;
@@ -97,7 +98,6 @@ TEST_F(UsageImporterTest, ARunWritesTheLogsAndActivationsAndPublishesTodaysFigur
     phone.outputTokens = 60;
     phone.estimatedCostCents = 5;
     storeSamples({phone, testing::slotSample("2025-03-13", "phone-claude", localDate(2025, 3, 13, 8), 9)});
-
     AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
     activity.record("com.openai.chat", localDate(2025, 3, 14, 11, 0));
     activity.record("com.openai.chat", localDate(2025, 3, 14, 11, 30));
@@ -105,21 +105,14 @@ TEST_F(UsageImporterTest, ARunWritesTheLogsAndActivationsAndPublishesTodaysFigur
     UsageImporter importer(environment(), storeOpener(), settings, activity);
     Observed observed;
     observed.attach(importer);
-    std::vector<std::string> logLines;
-    importer.setLogLine([&](const std::string& line) { logLines.push_back(line); });
-    EXPECT_FALSE(importer.lastImport());
 
     const ImportRunReport report = importer.runImport();
-    EXPECT_EQ(report.outcome, Outcome::completed);
     EXPECT_EQ(report.detectedTools,
               (std::vector<UsageTool>{UsageTool::claudeCode, UsageTool::codex, UsageTool::macChatGPT}));
     EXPECT_EQ(importer.detectedTools(), report.detectedTools);
     EXPECT_EQ(report.samplesInserted, 2);
-    EXPECT_EQ(report.samplesUpdated + report.samplesUnchanged + report.duplicatesRemoved, 0);
     EXPECT_EQ(report.filesRead, 1);
-    EXPECT_EQ(report.filesReused, 0);
     EXPECT_FALSE(report.lastError);
-    EXPECT_TRUE(logLines.empty());
 
     const auto samples = storedSamples();
     ASSERT_EQ(samples.size(), 4u);
@@ -129,84 +122,120 @@ TEST_F(UsageImporterTest, ARunWritesTheLogsAndActivationsAndPublishesTodaysFigur
     EXPECT_EQ(samples[1].updatedAt, now);
     EXPECT_EQ(samples[2].tool, "mac-chatgpt");
     EXPECT_EQ(samples[2].requests, 2);
-    EXPECT_EQ(samples[2].sessions, 1);
-    EXPECT_EQ(samples[3].tool, "phone-chatgpt");
-
-    // Today: Claude Code, the desktop ChatGPT and the phone's ChatGPT.
     EXPECT_EQ(importer.todaySessions(), 2 + 1 + 3);
     EXPECT_EQ(importer.todayTokens(), 9100 + 100);
     EXPECT_EQ(importer.todayCostCents(), samples[1].estimatedCostCents + 5);
-    EXPECT_GT(samples[1].estimatedCostCents, 0);
 
     EXPECT_EQ(importer.lastImport(), now);
     EXPECT_EQ(settings.dateValue("lastImportDate"), now);
-    EXPECT_TRUE(settings.boolValue("usageSamplePurge.v1"));
     EXPECT_FALSE(importer.isImporting());
-    EXPECT_FALSE(importer.purgeProgress());
-    EXPECT_EQ(observed.purgeProgress.front(), 0.0);
-    EXPECT_EQ(observed.purgeProgress.back(), std::nullopt);
-    const std::vector<ImporterProperty> expectedOrder = {
-        ImporterProperty::isImporting,   ImporterProperty::lastError,      ImporterProperty::detectedTools,
-        ImporterProperty::lastImport,    ImporterProperty::todaySessions,  ImporterProperty::todayTokens,
-        ImporterProperty::todayCostCents, ImporterProperty::isImporting,
-    };
-    std::vector<ImporterProperty> withoutProgress = observed.properties;
-    std::erase(withoutProgress, ImporterProperty::purgeProgress);
-    EXPECT_EQ(withoutProgress, expectedOrder);
-
-    // Nothing changed: the files are reused, the samples left alone, today's
-    // figures not assigned again and the purge not run again.
-    observed = {};
-    now = now.addingSeconds(15);
-    const ImportRunReport again = importer.runImport();
-    EXPECT_EQ(again.samplesUnchanged, 2);
-    EXPECT_EQ(again.samplesInserted + again.samplesUpdated, 0);
-    EXPECT_EQ(again.filesRead, 0);
-    EXPECT_EQ(again.filesReused, 1);
-    EXPECT_EQ(observed.count(ImporterProperty::todaySessions) + observed.count(ImporterProperty::todayTokens) +
-                  observed.count(ImporterProperty::todayCostCents) + observed.count(ImporterProperty::purgeProgress),
-              0);
-    EXPECT_EQ(storedSamples()[1].updatedAt, now.addingSeconds(-15));
-    EXPECT_EQ(settings.dateValue("lastImportDate"), now);
+    std::erase(observed.properties, ImporterProperty::purgeProgress);
+    EXPECT_EQ(observed.properties,
+              (std::vector<ImporterProperty>{ImporterProperty::isImporting, ImporterProperty::lastError,
+                                             ImporterProperty::detectedTools, ImporterProperty::lastImport,
+                                             ImporterProperty::todaySessions, ImporterProperty::todayTokens,
+                                             ImporterProperty::todayCostCents, ImporterProperty::isImporting}));
     // A new engine starts from the stored time of the last import.
     EXPECT_EQ(UsageImporter(environment(), storeOpener(), settings, activity).lastImport(), now);
 }
 
-TEST_F(UsageImporterTest, TheOneTimePurgeRunsBeforeWritingAndCountsWithTheWritersDeletions) {
+TEST_F(UsageImporterTest, ARunWithNothingChangedReusesTheFilesAndTouchesNothing) {
     writeLogs();
-    const Date earlier = localDate(2025, 3, 1, 8);
-    storeSamples({
-        testing::slotSample("2025-03-14", "claude-code", earlier, 1),
-        testing::slotSample("2025-03-14", "claude-code", earlier.addingSeconds(60), 2),
-        testing::slotSample("2025-03-02", "phone-gemini", earlier, 1),
-        testing::slotSample("2025-03-02", "phone-gemini", earlier.addingSeconds(60), 2),
-        testing::slotSample("2025-03-02", "phone-gemini", earlier.addingSeconds(120), 3),
-    });
     AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
-    JsonSettingsStore settings = JsonSettingsStore::inSupportFolder(support());
+    MemorySettingsStore settings;
     UsageImporter importer(environment(), storeOpener(), settings, activity);
+    importer.runImport();
     Observed observed;
     observed.attach(importer);
+    now = now.addingSeconds(15);
+
+    const ImportRunReport again = importer.runImport();
+    EXPECT_EQ(again.samplesUnchanged, 1);
+    EXPECT_EQ(again.samplesInserted + again.samplesUpdated, 0);
+    EXPECT_EQ(again.filesReused, 1);
+    EXPECT_EQ(storedSamples()[0].updatedAt, now.addingSeconds(-15));
+    // Neither today's figures nor the purge, done once, wake the observers.
+    EXPECT_EQ(observed.count(ImporterProperty::todaySessions) + observed.count(ImporterProperty::todayTokens) +
+                  observed.count(ImporterProperty::todayCostCents) + observed.count(ImporterProperty::purgeProgress),
+              0);
+}
+
+TEST_F(UsageImporterTest, ThePurgeRunsOnItsOwnThreadAndStoreAndTheSamplesWaitForIt) {
+    writeLogs();
+    // The run's own key is purged; the two extra records of another key are
+    // too few for a full scan and are left to the writer.
+    storeSamples({testing::slotSample("2025-03-14", "claude-code", localDate(2025, 3, 1), 1),
+                  testing::slotSample("2025-03-14", "claude-code", localDate(2025, 3, 2), 2),
+                  testing::slotSample("2025-03-02", "phone-gemini", localDate(2025, 3, 2), 1),
+                  testing::slotSample("2025-03-02", "phone-gemini", localDate(2025, 3, 3), 3),
+                  testing::slotSample("2025-03-02", "phone-gemini", localDate(2025, 3, 2), 2)});
+    std::promise<void> release;
+    std::shared_future<void> released = release.get_future().share();
+    std::vector<std::thread::id> openedOn;
+    SampleStoreOpener blockingSecondOpen = [&, released, file = storeFile()]() -> std::unique_ptr<SampleStore> {
+        openedOn.push_back(std::this_thread::get_id());
+        if (openedOn.size() == 2) released.wait();
+        return std::make_unique<SqliteSampleStore>(file);
+    };
+    AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
+    MemorySettingsStore settings;
+    UsageImporter importer(environment(), blockingSecondOpen, settings, activity);
     std::vector<std::string> logLines;
     importer.setLogLine([&](const std::string& line) { logLines.push_back(line); });
 
-    const ImportRunReport report = importer.runImport();
-    EXPECT_FALSE(report.lastError);
-    // The purge handles the run's own key and leaves the few others to the
-    // writer, which indexes every stored sample; the report counts both.
-    EXPECT_EQ(logLines, (std::vector<std::string>{"TallowenCompanion: 1 doublon(s) supprimé(s)"}));
-    EXPECT_EQ(report.duplicatesRemoved, 1 + 2);
-    EXPECT_EQ(report.samplesUpdated, 1);
-    EXPECT_EQ(report.samplesInserted, 0);
-    EXPECT_EQ(observed.purgeProgress.front(), 0.0);
-    EXPECT_EQ(observed.purgeProgress.back(), std::nullopt);
-    EXPECT_TRUE(settings.boolValue("usageSamplePurge.v1"));
+    ASSERT_EQ(importer.startImport(), Outcome::completed);
+    // Once the logs are read the purge starts; the main side goes on while it waits for its store.
+    for (int poll = 0; poll < 500 && !importer.purgeProgress(); ++poll) {
+        EXPECT_FALSE(importer.finishImportIfReady());
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(importer.purgeProgress(), 0.0);
+    EXPECT_FALSE(importer.finishImportIfReady());
+    EXPECT_TRUE(importer.detectedTools().empty());
+    EXPECT_EQ(storedSamples().size(), 5u);
 
+    release.set_value();
+    const auto report = importer.finishImport();
+    ASSERT_TRUE(report);
+    ASSERT_EQ(openedOn.size(), 2u);
+    EXPECT_EQ(openedOn[0], std::this_thread::get_id());
+    EXPECT_NE(openedOn[1], std::this_thread::get_id());
+    EXPECT_EQ(logLines, std::vector<std::string>{"TallowenCompanion: 1 doublon(s) supprimé(s)"});
+    EXPECT_EQ(report->duplicatesRemoved, 1 + 2);
+    EXPECT_EQ(report->samplesUpdated, 1);
+    EXPECT_FALSE(importer.purgeProgress());
+    EXPECT_TRUE(settings.boolValue("usageSamplePurge.v1"));
     const auto samples = storedSamples();
     ASSERT_EQ(samples.size(), 2u);
-    EXPECT_EQ(samples[0].tool, "phone-gemini");
     EXPECT_EQ(samples[0].requests, 3);
-    EXPECT_EQ(samples[1].requests, 2);
+    EXPECT_EQ(samples[1].updatedAt, now);
+}
+
+TEST_F(UsageImporterTest, ThePurgeClearsThousandsOfStoredDuplicatesAndPublishesItsProgress) {
+    writeLogs();
+    std::vector<UsageSample> stored;
+    for (int day = 0; day < 1000; ++day)
+        for (int copy = 0; copy < 3; ++copy)
+            stored.push_back(testing::slotSample("2024-" + std::to_string(10000 + day), "phone-gemini",
+                                                 localDate(2025, 1, 1).addingSeconds(copy), copy));
+    storeSamples(stored);
+    AppActivityRecorder activity(support() / AppActivityRecorder::fileName);
+    MemorySettingsStore settings;
+    UsageImporter importer(environment(), storeOpener(), settings, activity);
+    Observed observed;
+    observed.attach(importer);
+
+    const ImportRunReport report = importer.runImport();
+    EXPECT_EQ(report.duplicatesRemoved, 2000);
+    EXPECT_EQ(report.samplesInserted, 1);
+    ASSERT_GE(observed.purgeProgress.size(), 2u);
+    EXPECT_EQ(observed.purgeProgress.front(), 0.0);
+    EXPECT_EQ(observed.purgeProgress.back(), std::nullopt);
+    for (size_t i = 2; i + 1 < observed.purgeProgress.size(); ++i)
+        EXPECT_GT(*observed.purgeProgress[i], 0.0) << i;
+    const auto samples = storedSamples();
+    ASSERT_EQ(samples.size(), 1001u);
+    EXPECT_EQ(samples[0].requests, 2);
 }
 
 TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngineOnTheFolder) {
@@ -240,6 +269,9 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
     EXPECT_TRUE(dropped.dropped());
     EXPECT_FALSE(other.isImporting());
     EXPECT_FALSE(other.lastImport());
+    // Its panel takes the tools from the store until one of its own runs finds them.
+    EXPECT_TRUE(other.state().detectedToolsFromStore);
+    EXPECT_FALSE(importer.state().detectedToolsFromStore);
 
     release.set_value();
     const auto report = importer.finishImport();
@@ -253,6 +285,10 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
 
     // The folder is free again once the run is over.
     EXPECT_EQ(other.runImport().outcome, Outcome::completed);
+    EXPECT_FALSE(other.state().detectedToolsFromStore);
+    const ImporterState stored = storedImporterState(otherSettings);
+    EXPECT_EQ(stored.lastImport, now);
+    EXPECT_TRUE(stored.detectedToolsFromStore);
 }
 
 TEST_F(UsageImporterTest, ACorruptStoreIsReportedAndTheRunStillCompletes) {

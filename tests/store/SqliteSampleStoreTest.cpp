@@ -81,5 +81,15 @@ TEST(SqliteSampleStoreTest, FailuresCarrySqliteMessages) {
     EXPECT_EQ(message([&] { junk.fetchAll(); }), "file is not a database");
 }
 
+TEST(SqliteSampleStoreTest, ReadingAMissingStoreCreatesNothingAndAnUnreadableOneIsTheUsersLine) {
+    TempDir dir;
+    const auto missing = readStoredSamples(dir.path() / "store.sqlite");
+    ASSERT_TRUE(missing);
+    EXPECT_TRUE(missing->empty());
+    EXPECT_FALSE(std::filesystem::exists(dir.path() / "store.sqlite"));
+    EXPECT_EQ(readStoredSamples(dir.write("junk.sqlite", std::string(2048, 'z'))).error(),
+              "Store illisible : file is not a database");
+}
+
 }  // namespace
 }  // namespace tallowen::testing

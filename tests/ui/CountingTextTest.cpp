@@ -89,20 +89,5 @@ TEST(CountingTextTest, RenderingSplitsTheUnitButNeverDigitGroups) {
     EXPECT_FALSE(splitForRendering("999"));
 }
 
-TEST(CountingTextTest, AnchorJumpsFromZeroAndAnimatesOtherwise) {
-    CountingAnchor anchor;
-    anchor.appear(0, Date{10});
-    anchor.appear(500, Date{20});  // only the first appearance anchors
-    EXPECT_EQ(anchor.value, 0);
-    EXPECT_EQ(anchor.date, Date{10});
-
-    EXPECT_FALSE(anchor.valueChanged(1500, Date{30}));
-    EXPECT_EQ(anchor.value, 1500);
-    EXPECT_EQ(anchor.date, Date{30});
-    EXPECT_TRUE(anchor.valueChanged(2500, Date{40}));
-    EXPECT_EQ(anchor.value, 2500);
-    EXPECT_EQ(anchor.date, Date{40});
-}
-
 }  // namespace
 }  // namespace tallowen

@@ -57,11 +57,7 @@ TEST_F(MenuModelTest, WithoutSamplesEverySectionShowsItsEmptyState) {
               "Aucun pour l'instant. Claude Code, Codex et Cursor sont lus automatiquement. Règle des 2 heures : "
               "voir METHODOLOGY.md.");
     EXPECT_FALSE(model.errorLine);
-    EXPECT_FALSE(model.cleaning);
     EXPECT_FALSE(model.lastImportText);
-    EXPECT_EQ(model.importButtonLabel, "IMPORTER");
-    EXPECT_TRUE(model.importButtonEnabled);
-    EXPECT_FALSE(model.showsImportIndicator);
 }
 
 TEST_F(MenuModelTest, TodayToolsWeekAndQuotasFromTheSamples) {
@@ -128,18 +124,6 @@ TEST_F(MenuModelTest, TodayToolsWeekAndQuotasFromTheSamples) {
     EXPECT_EQ(model.detectedToolsText, "CLAUDE CODE · CODEX · CURSOR");
     EXPECT_EQ(model.errorLine, "Store illisible : disque plein");
     EXPECT_EQ(model.lastImportText, "Import 13:58");
-}
-
-TEST_F(MenuModelTest, ImportingAndCleaningStates) {
-    ImporterState importer;
-    importer.isImporting = true;
-    importer.purgeProgress = 0.005;
-    const MenuModel model = compute({}, importer);
-    EXPECT_EQ(model.importButtonLabel, "IMPORT…");
-    EXPECT_FALSE(model.importButtonEnabled);
-    EXPECT_TRUE(model.showsImportIndicator);
-    ASSERT_TRUE(model.cleaning);
-    EXPECT_EQ(model.cleaning->percentText, "1 %");
 }
 
 TEST_F(MenuModelTest, CloudWarningsAndStatusLines) {

@@ -44,12 +44,12 @@ import TallowenEngine
         refresh()
         let fileWork = EnginePointer(pointer: work)
         await Task.detached(priority: .utility) { tw_file_work_run(fileWork.pointer) }.value
-        let purge = tw_importer_purge(handle, work)
+        let purge = tw_importer_files_read(handle, work)
         refresh()
         if let purge {
             await runPurge(EnginePointer(pointer: purge))
         }
-        _ = takeEngineText(tw_importer_finish(handle, work, purge))
+        _ = takeEngineText(tw_importer_finish(handle, purge))
         refresh()
     }
 

@@ -1,18 +1,10 @@
-#include "CliEnvironment.hpp"
-#include "Commands.hpp"
-#include "IcuLocaleFormatter.hpp"
-#include "Options.hpp"
-#include "PanelData.hpp"
-#include "PanelRenderer.hpp"
-#include "SampleJson.hpp"
+#include "ui/SummaryJson.hpp"
 
-#include "model/DayKey.hpp"
-#include "model/Iso8601Format.hpp"
 #include "base/JsonWriter.hpp"
+#include "model/DaySamplesJson.hpp"
+#include "model/Iso8601Format.hpp"
 
-#include <cstdio>
-
-namespace tallowen::cli {
+namespace tallowen {
 namespace {
 
 void optionalDate(JsonWriter& json, std::string_view key, std::optional<Date> date) {
@@ -55,7 +47,7 @@ void writeSummary(JsonWriter& json, const ConsumptionSummary& summary) {
         json.beginObject();
         json.key("tool").string(rawValue(quota.tool));
         json.key("sample");
-        writeSampleJson(json, quota.sample, true);
+        writeDaySampleJson(json, quota.sample, true);
         json.endObject();
     }
     json.endArray();
@@ -64,14 +56,14 @@ void writeSummary(JsonWriter& json, const ConsumptionSummary& summary) {
     json.endObject();
 }
 
-void writeMenu(JsonWriter& json, const MenuModel& model, const ImporterState& importer, const std::string& counter) {
+void writeMenu(JsonWriter& json, const MenuModel& model, const SummaryContext& context) {
     json.beginObject();
     json.key("todayTitle").string(menu_text::todayTitle);
     json.key("todayRequests").integer(model.todayRequests);
     json.key("todayRequestsText").string(model.todayRequestsText);
     json.key("todayTokens").integer(model.todayTokens);
     json.key("todayTokensText").string(model.todayTokensText);
-    json.key("tokenCounterText").string(counter);
+    json.key("tokenCounterText").string(context.tokenCounterText);
     json.key("tokenRatePerSecond").number(model.tokenRatePerSecond);
     json.key("todayCostCents").integer(model.todayCostCents);
     json.key("todayCostText").string(model.todayCostText);
@@ -118,40 +110,22 @@ void writeMenu(JsonWriter& json, const MenuModel& model, const ImporterState& im
     json.endArray();
     json.key("detectedToolsTitle").string(menu_text::detectedToolsTitle);
     json.key("detectedTools").beginArray();
-    for (const UsageTool tool : importer.detectedTools) json.string(rawValue(tool));
+    for (const UsageTool tool : model.detectedTools) json.string(rawValue(tool));
     json.endArray();
     json.key("detectedToolsText").string(model.detectedToolsText);
-    optionalDate(json, "lastImport", importer.lastImport);
+    optionalDate(json, "lastImport", context.lastImport);
     optionalText(json, "lastImportText", model.lastImportText);
     json.endObject();
 }
 
 }  // namespace
 
-int runSummaryCommand(const std::vector<std::string>& arguments) {
-    int exitStatus = 0;
-    const auto start = startCommand("summary", arguments, {"--home", "--data"}, {"--json"}, exitStatus);
-    if (!start) return exitStatus;
-    const EngineEnvironment& environment = start->environment;
-    std::string error;
-    const auto samples = readStoredSamples(environment, error);
-    if (!samples) {
-        std::fprintf(stderr, "tallowen: summary: %s\n", error.c_str());
-        return 1;
-    }
-    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
-    const Date now = environment.clock();
-    const ImporterState importer = storedImporterState(environment, *samples);
-    const MenuModel model = terminalMenuModel(*samples, importer, now, environment, locale);
-    const CountingText counter = menuTokenCounter(model, locale);
-    CountingAnchor anchor;
-    anchor.appear(counter.value, now);
-
+std::string summaryJson(const MenuModel& model, const SummaryContext& context) {
     JsonWriter json;
     json.beginObject();
-    optionalDate(json, "now", now);
-    json.key("dayKey").string(dayKey(now, environment.calendar));
-    json.key("locale").string(locale.localeName());
+    optionalDate(json, "now", context.now);
+    json.key("dayKey").string(context.dayKey);
+    json.key("locale").string(context.localeName);
     json.key("windowDays").integer(menuSummaryWindowDays);
     json.key("summary");
     writeSummary(json, model.summary);
@@ -159,11 +133,9 @@ int runSummaryCommand(const std::vector<std::string>& arguments) {
     json.key("levelRawValue").integer(rawValue(model.level));
     json.key("comparisonLine").string(comparisonLine(model.level));
     json.key("menu");
-    writeMenu(json, model, importer, counter.textAt(anchor, now, locale));
+    writeMenu(json, model, context);
     json.endObject();
-    const std::string text = json.take() + "\n";
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    return 0;
+    return json.take();
 }
 
-}  // namespace tallowen::cli
+}  // namespace tallowen

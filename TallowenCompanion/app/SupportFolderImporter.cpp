@@ -1,22 +1,18 @@
-#include "TerminalImporter.hpp"
+#include "app/SupportFolderImporter.hpp"
 
 #include "import/ImportStateFile.hpp"
 #include "store/SqliteSampleStore.hpp"
 
-namespace tallowen::cli {
+namespace tallowen {
 
-std::filesystem::path storeLocation(const EngineEnvironment& environment) {
-    return environment.supportFolder / SqliteSampleStore::fileName;
-}
-
-TerminalImporter::TerminalImporter(const EngineEnvironment& environment)
+SupportFolderImporter::SupportFolderImporter(const EngineEnvironment& environment)
     : settings_(JsonSettingsStore::inSupportFolder(environment.supportFolder)),
       activity_(AppActivityRecorder::locationBeside(ImportStateFile(environment.supportFolder).location())),
       importer_(
           environment,
-          [store = storeLocation(environment)]() -> std::unique_ptr<SampleStore> {
+          [store = SqliteSampleStore::locationIn(environment.supportFolder)]() -> std::unique_ptr<SampleStore> {
               return std::make_unique<SqliteSampleStore>(store);
           },
           settings_, activity_) {}
 
-}  // namespace tallowen::cli
+}  // namespace tallowen

@@ -1,11 +1,11 @@
-#include "SampleJson.hpp"
+#include "model/DaySamplesJson.hpp"
 
 #include "model/Iso8601Format.hpp"
 
 #include <optional>
 #include <string>
 
-namespace tallowen::cli {
+namespace tallowen {
 namespace {
 
 void writeDate(JsonWriter& json, std::string_view key, const std::optional<Date>& date) {
@@ -16,7 +16,7 @@ void writeDate(JsonWriter& json, std::string_view key, const std::optional<Date>
 
 }  // namespace
 
-void writeSampleJson(JsonWriter& json, const UsageSample& sample, bool withUpdatedAt) {
+void writeDaySampleJson(JsonWriter& json, const UsageSample& sample, bool withUpdatedAt) {
     json.beginObject();
     json.key("dayKey").string(sample.dayKey);
     json.key("tool").string(sample.tool);
@@ -38,4 +38,14 @@ void writeSampleJson(JsonWriter& json, const UsageSample& sample, bool withUpdat
     json.endObject();
 }
 
-}  // namespace tallowen::cli
+std::string daySamplesJson(const std::vector<UsageSample>& samples) {
+    JsonWriter json;
+    json.beginObject();
+    json.key("samples").beginArray();
+    for (const UsageSample& sample : samples) writeDaySampleJson(json, sample, true);
+    json.endArray();
+    json.endObject();
+    return json.take();
+}
+
+}  // namespace tallowen
