@@ -10,6 +10,7 @@
 #include "capi/CallbackLocaleFormatter.hpp"
 #include "capi/CallbackSettingsStore.hpp"
 #include "import/UsageImporter.hpp"
+#include "ui/PanelSession.hpp"
 
 #include <memory>
 #include <optional>
@@ -48,4 +49,9 @@ struct tw_sync_status {
 
 struct tw_scheduler {
     tallowen::ImportScheduler scheduler;
+};
+
+struct tw_panel_session {
+    std::shared_ptr<tallowen::capi::CallbackLocaleFormatter> formatter;
+    std::unique_ptr<tallowen::PanelSession> session;
 };

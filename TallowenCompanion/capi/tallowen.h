@@ -225,6 +225,57 @@ bool tw_scheduler_tick(tw_scheduler *scheduler, double now);
 /* The activity watcher recorded a stamp: true when an import is to be requested. */
 bool tw_scheduler_activation_recorded(const tw_scheduler *scheduler);
 
+/* ---- Start-up decisions -------------------------------------------------- */
+
+/* True on the first launch only ("loginItemRegistered" is set before it
+ * answers): the caller then registers the login item and ignores a failure. */
+bool tw_claim_login_item_registration(tw_settings *settings);
+/* The first-launch notice as JSON ({"delaySeconds", "messageText",
+ * "informativeText", "buttonTitle"}) on the first launch only
+ * ("firstLaunchNoticeShown" set first); NULL afterwards. */
+char *tw_claim_first_launch_notice(tw_settings *settings);
+/* Whether the store follows the private cloud database. */
+bool tw_uses_cloud_database(bool task_available, bool has_cloud_services_entitlement);
+
+typedef enum tw_login_item_status {
+    TW_LOGIN_ITEM_NOT_REGISTERED = 0,
+    TW_LOGIN_ITEM_ENABLED = 1,
+    TW_LOGIN_ITEM_REQUIRES_APPROVAL = 2,
+    TW_LOGIN_ITEM_NOT_FOUND = 3
+} tw_login_item_status;
+
+/* Whether the launch-at-login checkbox reads as ticked. */
+bool tw_login_item_enabled(tw_login_item_status status);
+
+/* ---- Panel session: events in, frames out --------------------------------- */
+
+typedef struct tw_panel_options {
+    bool shows_cloud_lines;
+    bool has_updater;
+    bool shows_login_item;
+} tw_panel_options;
+
+typedef struct tw_panel_session tw_panel_session;
+
+/* The session keeps the formatter alive; `started` is when the title begins to type. */
+tw_panel_session *tw_panel_session_create(tw_formatter *formatter, tw_panel_options options, double started);
+void tw_panel_session_free(tw_panel_session *session);
+/* The store's samples as a JSON array of samples; false, changing nothing,
+ * when the text is not one. */
+bool tw_panel_session_samples_reloaded(tw_panel_session *session, const char *samples_json);
+/* A failed read of the store: its text stands where the last error goes. */
+void tw_panel_session_store_failed(tw_panel_session *session, const char *error_text);
+/* The importer's published state, read from the importer itself. */
+void tw_panel_session_importer_changed(tw_panel_session *session, const tw_importer *importer);
+/* `cloud_environment`: the entitlement's value, NULL when unknown. */
+void tw_panel_session_sync_changed(tw_panel_session *session, bool is_syncing, bool has_last_successful_sync,
+                                   double last_successful_sync, const char *cloud_environment);
+void tw_panel_session_login_item_changed(tw_panel_session *session, bool enabled);
+/* Everything the shell draws at `now`, as the panel frame's JSON. */
+char *tw_panel_session_frame(tw_panel_session *session, double now);
+/* When something on screen next changes, never before `now`. */
+double tw_panel_session_next_frame_date(const tw_panel_session *session, double now);
+
 #ifdef __cplusplus
 }
 #endif
