@@ -19,7 +19,8 @@ import TallowenEngine
     public private(set) var purgeProgress: Double?
 
     @ObservationIgnored private let engine: EnginePointer
-    private var handle: OpaquePointer { engine.pointer }
+    /// The engine's importer, which a panel session reads its state from.
+    var handle: OpaquePointer { engine.pointer }
     @ObservationIgnored private let activity: AppActivityWatcher
 
     public init(
