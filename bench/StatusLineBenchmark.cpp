@@ -2,6 +2,7 @@
 // with its quotas): what `tallowen statusline` does once the process has
 // started, against reading every record as the panel does.
 
+#include "IcuLocaleFormatter.hpp"
 #include "model/DayKey.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "ui/StatusLine.hpp"
@@ -56,7 +57,7 @@ const TenYearStore& tenYears() {
 
 void StatusLineOnTenYears(benchmark::State& state) {
     const TenYearStore& store = tenYears();
-    const LocaleFormatter locale("fr_FR");
+    const IcuLocaleFormatter locale("fr_FR");
     for (auto _ : state) {
         const auto samples = readStoredSamples(store.file, [&](SqliteSampleStore& opened) {
             return opened.fetchFromDayOrQuotaSince(dayKey(store.now, store.calendar),

@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 #include "TerminalSize.hpp"
@@ -86,7 +87,7 @@ int runHistoryCommand(const std::vector<std::string>& arguments) {
         text = usageHistoryJson(history) + "\n";
     } else {
         const int columns = terminalSize(STDOUT_FILENO).value_or(TerminalExtent{}).columns;
-        const HistoryChart chart = historyChart(history, columns, LocaleFormatter::forProcess());
+        const HistoryChart chart = historyChart(history, columns, IcuLocaleFormatter::forProcess());
         text = chartText(history, chart, TerminalStyle::forStandardOutput().colors());
     }
     std::fwrite(text.data(), 1, text.size(), stdout);

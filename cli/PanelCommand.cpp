@@ -1,5 +1,6 @@
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "PanelRenderer.hpp"
 #include "TerminalSize.hpp"
 
@@ -39,7 +40,7 @@ ImporterState storedState(const EngineEnvironment& environment) {
 }  // namespace
 
 int printPanelOnce(const EngineEnvironment& environment, const ImporterState& importer, const char* errorPrefix) {
-    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
     const Date now = environment.clock();
     PanelSession session(locale, environment.calendar, PanelOptions{}, now);
     const auto frame = restingFrame(session, environment, importer, now, errorPrefix);
@@ -59,7 +60,7 @@ int runSummaryCommand(const std::vector<std::string>& arguments) {
     const auto start = startCommand("summary", arguments, {}, {"--json"});
     if (!start) return reported(start.error());
     const EngineEnvironment& environment = start->environment;
-    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
     const Date now = environment.clock();
     const ImporterState importer = storedState(environment);
     PanelSession session(locale, environment.calendar, PanelOptions{}, now);

@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "CliEnvironment.hpp"
 #include "Commands.hpp"
 
@@ -23,7 +24,7 @@ int runStatusLineCommand(const std::vector<std::string>& arguments) {
         std::fprintf(stderr, "tallowen: statusline: %s\n", samples.error().c_str());
         return 1;
     }
-    const LocaleFormatter locale = LocaleFormatter::forProcess();
+    const IcuLocaleFormatter locale = IcuLocaleFormatter::forProcess();
     const StatusLineFigures figures = statusLineFigures(*samples, now, environment.calendar);
     const std::string text = (start->options.has("--json") ? statusLineJson(figures, now, locale)
                                                             : statusLineText(figures, now, locale)) + "\n";

@@ -29,6 +29,14 @@ using LogLine = std::function<void(const std::string& line)>;
 Result<int64_t> purgeDuplicates(const SampleStoreOpener& openStore, const std::set<std::string>& runKeys,
                                 const PurgeProgress& progress, int64_t pageSize = 50000);
 
+// The one-time purge of an import run, as a value to run on a thread of its own.
+struct PurgeJob {
+    SampleStoreOpener openStore;
+    std::set<std::string> runKeys;
+
+    Result<int64_t> run(const PurgeProgress& progress) const { return purgeDuplicates(openStore, runKeys, progress); }
+};
+
 // The console line of a purge that deleted something:
 // "TallowenCompanion: 12 doublon(s) supprimé(s)".
 std::string purgeLogLine(int64_t deleted);

@@ -2,8 +2,6 @@
 
 #include "base/Files.hpp"
 #include "base/SupportFolderLock.hpp"
-#include "import/CursorDayCacheFile.hpp"
-#include "import/ImportStateFile.hpp"
 #include "import/SampleWriter.hpp"
 #include "base/CheckedMath.hpp"
 #include "model/DayKey.hpp"
@@ -15,28 +13,18 @@
 
 namespace tallowen {
 
-// What the background thread hands back.
-struct UsageImporter::FileWork {
-    LogReadOutcome logs;
-    // An unexpected failure of the file work; the run goes on without results.
-    std::optional<std::string> failure;
-};
-
 // Members are destroyed last to first: the purge and the file work are
 // waited for before what they use and the lock are let go.
 struct UsageImporter::RunInProgress {
-    RunInProgress(SupportFolderLock heldLock, ToolResults activity, std::shared_ptr<ScanProgress> reading,
-                  std::future<FileWork> files)
-        : lock(std::move(heldLock)),
-          activityResults(std::move(activity)),
-          progress(std::move(reading)),
-          fileWork(std::move(files)) {}
+    RunInProgress(SupportFolderLock heldLock, ToolResults activity)
+        : lock(std::move(heldLock)), activityResults(std::move(activity)) {}
 
     SupportFolderLock lock;
     ToolResults activityResults;
     // Shared with the file work's thread, which writes it while the shell reads.
-    std::shared_ptr<ScanProgress> progress;
-    std::future<FileWork> fileWork;
+    std::shared_ptr<ScanProgress> progress = std::make_shared<ScanProgress>();
+    // Set when the file work runs on a thread of the engine's own.
+    std::future<ImportFileWork> fileWork;
     std::chrono::steady_clock::time_point startedAt = std::chrono::steady_clock::now();
 
     // Once the file work is back.
@@ -50,6 +38,8 @@ struct UsageImporter::RunInProgress {
     // only value the two threads share.
     std::atomic<double> purgeFraction{0};
     std::future<Result<int64_t>> purge;
+    // A purge handed out and not finished yet.
+    bool purgeUnderWay = false;
 };
 
 namespace {
@@ -62,31 +52,6 @@ std::set<std::string> sampleKeysOf(const ToolResults& results) {
 }
 
 }  // namespace
-
-UsageImporter::FileWork UsageImporter::doFileWork(const std::filesystem::path& homeFolder,
-                                                  const std::filesystem::path& supportFolder, LocalCalendar calendar,
-                                                  const LogReading& readLogs,
-                                                  std::shared_ptr<ScanProgress> progress) {
-    FileWork work;
-    try {
-        const ImportStateFile stateFile(supportFolder);
-        ImportState state = stateFile.load();
-        const CursorDayCacheFile cursorFile(supportFolder);
-        std::optional<CursorDayCache> cursorCache = cursorFile.load();
-        const auto cursorStamps = cursorStampsOf(cursorCache);
-        ScanSettings settings;
-        settings.progress = progress.get();
-        work.logs = readLogs(homeFolder, state.files, cursorCache, calendar, settings);
-        // Only a file read renews an entry: with none, the state on disk is the
-        // one loaded. A failed save only makes the next run read every file again.
-        if (work.logs.counters.filesRead > 0) stateFile.save(state);
-        if (cursorStampsOf(cursorCache) != cursorStamps) cursorFile.save(cursorCache);
-    } catch (const std::exception& failure) {
-        work.logs = LogReadOutcome{};
-        work.failure = failure.what();
-    }
-    return work;
-}
 
 UsageImporter::UsageImporter(EngineEnvironment environment, SampleStoreOpener openStore, SettingsStore& settings,
                              AppActivityRecorder& activity, LogReading readLogs)
@@ -101,29 +66,38 @@ UsageImporter::UsageImporter(EngineEnvironment environment, SampleStoreOpener op
 // and its results are dropped; the next run rebuilds them from the files.
 UsageImporter::~UsageImporter() = default;
 
-ImportRunReport::Outcome UsageImporter::startImport() {
-    if (isImporting_) return ImportRunReport::Outcome::droppedRunUnderWay;
+std::optional<ImportFileWork> UsageImporter::beginRun(ImportRunReport::Outcome& outcome) {
+    outcome = ImportRunReport::Outcome::droppedRunUnderWay;
+    if (isImporting_) return std::nullopt;
     std::error_code ignored;
     std::filesystem::create_directories(environment_.supportFolder, ignored);
     SupportFolderLock lock = SupportFolderLock::tryAcquire(environment_.supportFolder);
     // A folder where no lock can be taken is one where no other process can
     // import either; the run goes on and meets the folder's faults itself.
     lastRequestDroppedElsewhere_ = lock.status() == SupportFolderLock::Status::busy;
-    if (lastRequestDroppedElsewhere_) return ImportRunReport::Outcome::droppedOtherProcess;
+    outcome = ImportRunReport::Outcome::droppedOtherProcess;
+    if (lastRequestDroppedElsewhere_) return std::nullopt;
     // A process killed while it wrote a file of the folder left its temporary file behind.
     removeStaleTemporaryFiles(environment_.supportFolder);
 
     isImporting_ = true;
     publish(ImporterProperty::isImporting);
     setLastError(std::nullopt);
-    ToolResults activityResults = activity_.dayUsage(environment_.calendar);
+    run_ = std::make_unique<RunInProgress>(std::move(lock), activity_.dayUsage(environment_.calendar));
+    outcome = ImportRunReport::Outcome::completed;
+    return ImportFileWork{environment_.homeFolder, environment_.supportFolder, environment_.calendar, readLogs_,
+                          run_->progress, {}, {}};
+}
 
-    auto progress = std::make_shared<ScanProgress>();
-    auto fileWork = std::async(std::launch::async, doFileWork, environment_.homeFolder,
-                               environment_.supportFolder, environment_.calendar, readLogs_, progress);
-    run_ = std::make_unique<RunInProgress>(std::move(lock), std::move(activityResults), std::move(progress),
-                                           std::move(fileWork));
-    return ImportRunReport::Outcome::completed;
+ImportRunReport::Outcome UsageImporter::startImport() {
+    ImportRunReport::Outcome outcome;
+    std::optional<ImportFileWork> work = beginRun(outcome);
+    if (!work) return outcome;
+    run_->fileWork = std::async(std::launch::async, [work = std::move(*work)]() mutable {
+        work.run();
+        return std::move(work);
+    });
+    return outcome;
 }
 
 std::optional<ImportRunReport> UsageImporter::finishImportIfReady() { return advance(false); }
@@ -146,10 +120,15 @@ ImportRunReport UsageImporter::runImport() {
 
 std::optional<ImportRunReport> UsageImporter::advance(bool wait) {
     constexpr auto pollInterval = std::chrono::milliseconds(40);
-    if (!run_) return std::nullopt;
+    // A run driven in steps is not moved on from here.
+    if (!run_ || (!run_->filesRead && !run_->fileWork.valid())) return std::nullopt;
     if (!run_->filesRead) {
         if (!wait && run_->fileWork.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return std::nullopt;
-        filesRead(run_->fileWork.get());
+        if (std::optional<PurgeJob> job = filesRead(run_->fileWork.get())) {
+            run_->purge = std::async(std::launch::async, [job = std::move(*job), fraction = &run_->purgeFraction] {
+                return job.run([fraction](double done) { fraction->store(done, std::memory_order_relaxed); });
+            });
+        }
     }
     if (run_->purge.valid()) {
         for (;;) {
@@ -165,7 +144,8 @@ std::optional<ImportRunReport> UsageImporter::advance(bool wait) {
     return complete();
 }
 
-void UsageImporter::filesRead(FileWork work) {
+std::optional<PurgeJob> UsageImporter::filesRead(ImportFileWork work) {
+    if (!run_ || run_->filesRead) return std::nullopt;
     RunInProgress& run = *run_;
     run.filesRead = true;
     if (work.failure && logLine_) logLine_("TallowenCompanion: " + *work.failure);
@@ -178,19 +158,37 @@ void UsageImporter::filesRead(FileWork work) {
         run.store = openStore_();
     } catch (const std::exception& error) {
         setLastError(unreadableStoreText(error));
-        return;
+        return std::nullopt;
     }
     // Once done, the purge is skipped without a word to the observers.
-    if (settings_.boolValue(purgeDoneSettingsKey)) return;
+    if (settings_.boolValue(purgeDoneSettingsKey)) return std::nullopt;
+    run.purgeUnderWay = true;
     setPurgeProgress(0.0);
-    run.purge = std::async(std::launch::async, [openStore = openStore_, keys = sampleKeysOf(run.results),
-                                                fraction = &run.purgeFraction] {
-        return purgeDuplicates(openStore, keys,
-                               [fraction](double done) { fraction->store(done, std::memory_order_relaxed); });
-    });
+    return PurgeJob{openStore_, sampleKeysOf(run.results)};
+}
+
+void UsageImporter::purgeProgressed(double fraction) {
+    if (run_ && run_->purgeUnderWay && purgeProgress_ != fraction) setPurgeProgress(fraction);
+}
+
+ImportRunReport UsageImporter::completeRun(std::optional<Result<int64_t>> purged) {
+    if (!run_ || !run_->filesRead) {
+        ImportRunReport dropped;
+        dropped.outcome = ImportRunReport::Outcome::droppedRunUnderWay;
+        return dropped;
+    }
+    if (purged) {
+        purgeFinished(*purged);
+    } else if (run_->purgeUnderWay) {
+        // A purge handed out and never run is due again next time.
+        run_->purgeUnderWay = false;
+        setPurgeProgress(std::nullopt);
+    }
+    return complete();
 }
 
 void UsageImporter::purgeFinished(const Result<int64_t>& purged) {
+    run_->purgeUnderWay = false;
     if (!purged) {
         setLastError(purged.error());
     } else {

@@ -4,6 +4,7 @@
 #include "model/EngineEnvironment.hpp"
 #include "model/SettingsStore.hpp"
 #include "import/DuplicatePurge.hpp"
+#include "import/ImportFileWork.hpp"
 #include "import/ImportRunReport.hpp"
 #include "import/ImporterState.hpp"
 #include "readers/UsageReaders.hpp"
@@ -32,11 +33,6 @@ enum class ImporterProperty {
     todayCostCents,
     purgeProgress,
 };
-
-// The log readers' pass over a home folder (readAllLogs outside tests).
-using LogReading = std::function<LogReadOutcome(const std::filesystem::path& homeFolder, FileEntries& files,
-                                                std::optional<CursorDayCache>& cursorCache, const LocalCalendar&,
-                                                const ScanSettings& settings)>;
 
 // The engine the rest of the application talks to. One import run reads the
 // logs and the activation stamps, runs the one-time duplicate purge, writes
@@ -72,6 +68,19 @@ public:
     // A whole run: start, then finish. A dropped request gives a report that says so.
     ImportRunReport runImport();
 
+    // The same run in steps, for a shell that runs the file work and the
+    // purge on threads (tasks) of its own and hands their results back here:
+    // beginRun guards and starts the run and gives its file work, to run
+    // anywhere, once (nothing when the request is dropped, `outcome` saying
+    // why); filesRead takes the work back and gives the one-time purge to
+    // run when it is due (its progress 0 published); purgeProgressed
+    // publishes the purge's fractions; completeRun writes the samples, with
+    // the purge's result when there was one.
+    std::optional<ImportFileWork> beginRun(ImportRunReport::Outcome& outcome);
+    std::optional<PurgeJob> filesRead(ImportFileWork work);
+    void purgeProgressed(double fraction);
+    ImportRunReport completeRun(std::optional<Result<int64_t>> purged);
+
     // Called after every assignment of a published property.
     void setObserver(std::function<void(ImporterProperty)> observer) { observer_ = std::move(observer); }
     // Where console lines ("TallowenCompanion: …") go; nowhere unless a shell asks.
@@ -92,15 +101,9 @@ public:
     const ScanProgress* scanProgress() const;
 
 private:
-    struct FileWork;
     struct RunInProgress;
 
-    // Runs on the background thread: touches nothing of the engine.
-    static FileWork doFileWork(const std::filesystem::path& homeFolder, const std::filesystem::path& supportFolder,
-                               LocalCalendar calendar, const LogReading& readLogs,
-                               std::shared_ptr<ScanProgress> progress);
     std::optional<ImportRunReport> advance(bool wait);
-    void filesRead(FileWork work);
     void purgeFinished(const Result<int64_t>& purged);
     ImportRunReport complete();
     void recomputeTodayFigures(SampleStore& store, Date now);

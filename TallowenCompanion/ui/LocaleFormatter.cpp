@@ -1,96 +1,22 @@
 #include "ui/LocaleFormatter.hpp"
 
-#include <unicode/dcfmtsym.h>
-#include <unicode/numberformatter.h>
-#include <unicode/reldatefmt.h>
-#include <unicode/smpdtfmt.h>
-#include <unicode/timezone.h>
-
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
-#include <memory>
+#include <iterator>
 
 namespace tallowen {
-namespace {
 
-constexpr const char* fallbackLocaleName = "en_US";
-
-std::string utf8(const icu::UnicodeString& text) {
-    std::string out;
-    text.toUTF8String(out);
-    return out;
-}
-
-std::string formattedOrFallback(const icu::number::LocalizedNumberFormatter& formatter, double value,
-                                int fractionDigits) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::UnicodeString text = formatter.formatDouble(value, status).toString(status);
-    if (U_SUCCESS(status)) return utf8(text);
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.*f", fractionDigits, value);
-    return buffer;
-}
-
-int clampedFractionDigits(int digits) { return digits < 0 ? 0 : (digits > 15 ? 15 : digits); }
-
-}  // namespace
-
-LocaleFormatter::LocaleFormatter(std::string localeName) : localeName_(std::move(localeName)) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::DecimalFormatSymbols symbols(icu::Locale(localeName_.c_str()), status);
-    decimalSeparator_ =
-        U_SUCCESS(status) ? utf8(symbols.getSymbol(icu::DecimalFormatSymbols::kDecimalSeparatorSymbol)) : ".";
-    if (decimalSeparator_.empty()) decimalSeparator_ = ".";
-}
-
-LocaleFormatter LocaleFormatter::forProcess() {
-    return LocaleFormatter(icuLocaleNameFromEnvironment([](const char* name) -> std::optional<std::string> {
-        const char* value = std::getenv(name);
-        if (value == nullptr) return std::nullopt;
-        return std::string(value);
-    }));
-}
-
-std::string LocaleFormatter::decimal(double value, int fractionDigits) const {
-    const int digits = clampedFractionDigits(fractionDigits);
-    const auto formatter = icu::number::NumberFormatter::withLocale(icu::Locale(localeName_.c_str()))
-                               .precision(icu::number::Precision::fixedFraction(digits));
-    return formattedOrFallback(formatter, value, digits);
-}
-
-std::string LocaleFormatter::groupedInteger(int64_t value) const {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::UnicodeString text = icu::number::NumberFormatter::withLocale(icu::Locale(localeName_.c_str()))
-                                        .formatInt(value, status)
-                                        .toString(status);
-    if (U_SUCCESS(status)) return utf8(text);
-    return std::to_string(value);
-}
-
-std::string LocaleFormatter::usDollars(double dollars, int fractionDigits) const {
-    const int digits = clampedFractionDigits(fractionDigits);
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::CurrencyUnit usd(u"USD", status);
-    if (U_FAILURE(status)) return "$" + decimal(dollars, digits);
-    const auto formatter = icu::number::NumberFormatter::withLocale(icu::Locale(localeName_.c_str()))
-                               .unit(usd)
-                               .precision(icu::number::Precision::fixedFraction(digits));
-    return formattedOrFallback(formatter, dollars, digits);
-}
-
-std::string LocaleFormatter::timeAgo(double elapsedSeconds) const {
+RelativeTime relativeTimeOf(double elapsedSeconds) {
     const double seconds = std::isfinite(elapsedSeconds) && elapsedSeconds > 0 ? elapsedSeconds : 0;
     struct Unit {
         double seconds;
-        URelativeDateTimeUnit unit;
+        RelativeTimeUnit unit;
     };
-    // Months and years as the fixed lengths a reader rounds to anyway.
     constexpr Unit units[] = {
-        {365.0 * 86400, UDAT_REL_UNIT_YEAR}, {30.0 * 86400, UDAT_REL_UNIT_MONTH}, {7.0 * 86400, UDAT_REL_UNIT_WEEK},
-        {86400, UDAT_REL_UNIT_DAY},          {3600, UDAT_REL_UNIT_HOUR},          {60, UDAT_REL_UNIT_MINUTE},
-        {1, UDAT_REL_UNIT_SECOND},
+        {365.0 * 86400, RelativeTimeUnit::year}, {30.0 * 86400, RelativeTimeUnit::month},
+        {7.0 * 86400, RelativeTimeUnit::week},   {86400, RelativeTimeUnit::day},
+        {3600, RelativeTimeUnit::hour},          {60, RelativeTimeUnit::minute},
+        {1, RelativeTimeUnit::second},
     };
     Unit chosen = units[std::size(units) - 1];
     for (const Unit& unit : units) {
@@ -99,53 +25,9 @@ std::string LocaleFormatter::timeAgo(double elapsedSeconds) const {
             break;
         }
     }
-    const double count = std::floor(seconds / chosen.seconds);
-    UErrorCode status = U_ZERO_ERROR;
-    icu::RelativeDateTimeFormatter formatter(icu::Locale(localeName_.c_str()), nullptr, UDAT_STYLE_LONG,
-                                             UDISPCTX_CAPITALIZATION_NONE, status);
-    icu::UnicodeString text;
-    // The named form where the language has one ("hier", "la semaine dernière"), else the number.
-    if (U_SUCCESS(status)) formatter.format(-count, chosen.unit, text, status);
-    if (U_SUCCESS(status)) return utf8(text);
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.0f s", seconds);
-    return buffer;
-}
-
-std::string LocaleFormatter::shortTime(Date date) const {
-    // The wall-clock fields come from the process's zone (TZ is honoured even
-    // when it changes); ICU then only lays them out, in GMT so it adds no offset.
-    const double unix = std::floor(date.unixSeconds());
-    std::tm local{};
-    const std::time_t seconds = static_cast<std::time_t>(std::isfinite(unix) ? unix : 0);
-    if (localtime_r(&seconds, &local) == nullptr) return "";
-    char fallback[16];
-    std::snprintf(fallback, sizeof fallback, "%02d:%02d", local.tm_hour, local.tm_min);
-
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::DateFormat> formatter(
-        icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, icu::Locale(localeName_.c_str())));
-    if (!formatter) return fallback;
-    formatter->setTimeZone(*icu::TimeZone::getGMT());
-    const UDate wallClockMilliseconds = (local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec) * 1000.0;
-    icu::UnicodeString text;
-    formatter->format(wallClockMilliseconds, text);
-    if (U_FAILURE(status) || text.isEmpty()) return fallback;
-    return utf8(text);
-}
-
-std::string icuLocaleNameForPosixLocale(const std::string& posixLocale) {
-    std::string name = posixLocale.substr(0, posixLocale.find_first_of(".@"));
-    if (name.empty() || name == "C" || name == "POSIX") return fallbackLocaleName;
-    return name;
-}
-
-std::string icuLocaleNameFromEnvironment(const std::function<std::optional<std::string>(const char*)>& variable) {
-    for (const char* name : {"LC_ALL", "LC_NUMERIC", "LC_MONETARY", "LANG"}) {
-        const auto value = variable(name);
-        if (value && !value->empty()) return icuLocaleNameForPosixLocale(*value);
-    }
-    return fallbackLocaleName;
+    // Far beyond any real interval the count still fits.
+    const double count = std::min(std::floor(seconds / chosen.seconds), 9.0e18);
+    return RelativeTime{static_cast<int64_t>(count), chosen.unit};
 }
 
 }  // namespace tallowen

@@ -3,51 +3,49 @@
 #include "model/Date.hpp"
 
 #include <cstdint>
-#include <functional>
-#include <optional>
 #include <string>
 
 namespace tallowen {
 
-// Numbers, money and relative times as the user's locale writes them. A value
-// built from an ICU locale name ("fr_FR", "en_US"), so that every text the
-// menu shows can be produced for a chosen locale.
-class LocaleFormatter {
-public:
-    explicit LocaleFormatter(std::string localeName);
+enum class RelativeTimeUnit { second, minute, hour, day, week, month, year };
 
-    // The locale of the running process (LC_ALL, LC_NUMERIC, LC_MONETARY, LANG).
-    static LocaleFormatter forProcess();
+// How long ago, in whole units: the largest unit that holds the interval at
+// least once, truncated. Months and years are the fixed lengths a reader
+// rounds to anyway (30 and 365 days). Not a number or negative counts as 0 s.
+struct RelativeTime {
+    int64_t count = 0;
+    RelativeTimeUnit unit = RelativeTimeUnit::second;
 
-    const std::string& localeName() const { return localeName_; }
-    // "," in French, "." in English.
-    const std::string& decimalSeparator() const { return decimalSeparator_; }
-
-    // Exactly `fractionDigits` fraction digits, with the locale's grouping.
-    std::string decimal(double value, int fractionDigits) const;
-    // With the locale's digit grouping: "1,234" in English, "1 234" (U+202F) in French.
-    std::string groupedInteger(int64_t value) const;
-    // An amount in US dollars ("USD") with exactly `fractionDigits` fraction digits.
-    std::string usDollars(double dollars, int fractionDigits) const;
-    // How long ago, in named, wide units: "il y a 3 heures", "hier", "3 hours
-    // ago", "yesterday". The largest unit that holds the interval at least
-    // once is used, truncated.
-    std::string timeAgo(double elapsedSeconds) const;
-    // The local time of day of `date` (process time zone) in the locale's short style.
-    std::string shortTime(Date date) const;
-
-private:
-    std::string localeName_;
-    std::string decimalSeparator_;
+    friend bool operator==(const RelativeTime&, const RelativeTime&) = default;
 };
 
-// "fr_FR.UTF-8" and "fr_FR@euro" give "fr_FR"; "C", "POSIX", "C.UTF-8" and an
-// empty value give "en_US" (the POSIX locale's own ICU form drops grouping and
-// writes "$ 3.50", which no reader expects).
-std::string icuLocaleNameForPosixLocale(const std::string& posixLocale);
+RelativeTime relativeTimeOf(double elapsedSeconds);
 
-// The first set, non-empty variable of LC_ALL, LC_NUMERIC, LC_MONETARY and LANG,
-// turned into an ICU locale name; "en_US" when none is set.
-std::string icuLocaleNameFromEnvironment(const std::function<std::optional<std::string>(const char*)>& variable);
+// Numbers, money, relative times and upper case as the user's locale writes
+// them. The engine decides every text and hands only these pieces to the
+// platform: the terminal formats with ICU, the Mac app with Foundation's
+// formatters so that it follows the user's own regional settings.
+class LocaleFormatter {
+public:
+    virtual ~LocaleFormatter() = default;
+
+    // "," in French, "." in English.
+    virtual std::string decimalSeparator() const = 0;
+    // Exactly `fractionDigits` fraction digits, with the locale's grouping.
+    virtual std::string decimal(double value, int fractionDigits) const = 0;
+    // With the locale's digit grouping: "1,234" in English, "1 234" (U+202F) in French.
+    virtual std::string groupedInteger(int64_t value) const = 0;
+    // An amount in US dollars ("USD") with exactly `fractionDigits` fraction digits.
+    virtual std::string usDollars(double dollars, int fractionDigits) const = 0;
+    // How long ago, in named, wide units: "il y a 3 heures", "hier", "3 hours
+    // ago", "yesterday", in the unit relativeTimeOf chooses.
+    std::string timeAgo(double elapsedSeconds) const { return timeAgo(relativeTimeOf(elapsedSeconds)); }
+    // `count` units ago, with the language's named form where it has one.
+    virtual std::string timeAgo(RelativeTime elapsed) const = 0;
+    // The local time of day of `date` (process time zone) in the locale's short style.
+    virtual std::string shortTime(Date date) const = 0;
+    // The text in upper case by the language-neutral rules ("été" gives "ÉTÉ").
+    virtual std::string upperCased(const std::string& text) const = 0;
+};
 
 }  // namespace tallowen

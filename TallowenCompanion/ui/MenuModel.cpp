@@ -75,10 +75,11 @@ void fillWeek(MenuModel& model, const std::vector<UsageSample>& samples, Date no
                      moneyText(figures.costCents, locale);
 }
 
-std::vector<MenuQuotaBlock> quotaBlocks(const std::vector<UsageSample>& samples, Date now) {
+std::vector<MenuQuotaBlock> quotaBlocks(const std::vector<UsageSample>& samples, Date now,
+                                        const LocaleFormatter& locale) {
     std::vector<MenuQuotaBlock> blocks;
     for (const MacQuotaBlock& chosen : chooseQuotaBlocks(samples, now)) {
-        const QuotaBlockHeader header = quotaBlockHeader(chosen);
+        const QuotaBlockHeader header = quotaBlockHeader(chosen, locale);
         MenuQuotaBlock block{chosen.tool, header.label, header.plan, {}};
         for (const MacQuotaBar& bar : quotaBars(chosen.sample)) {
             block.bars.push_back(MenuQuotaBar{bar.title, bar.percent, quotaBarFillFraction(bar.percent),
@@ -187,7 +188,7 @@ MenuModel computeMenuModel(const MenuInputs& inputs) {
     model.comparisonLine = std::string(waterComparisonLine(model.summary));
 
     fillWeek(model, samples, inputs.now, inputs.calendar, locale);
-    model.quotaBlocks = quotaBlocks(inputs.samples, inputs.now);
+    model.quotaBlocks = quotaBlocks(inputs.samples, inputs.now, locale);
     fillDetectedTools(model, inputs.importer, inputs.samples);
     if (inputs.importer.lastError && !inputs.importer.lastError->empty()) model.errorLine = inputs.importer.lastError;
     fillCloud(model, inputs.sync, inputs.now, locale);

@@ -2,9 +2,6 @@
 
 #include "summary/LatestQuotas.hpp"
 
-#include <unicode/locid.h>
-#include <unicode/unistr.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -21,14 +18,6 @@ double clampedPercent(double percent) {
     return std::clamp(percent, 0.0, 100.0);
 }
 
-std::string upperCased(const std::string& text) {
-    icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(text);
-    unicode.toUpper(icu::Locale::getRoot());
-    std::string result;
-    unicode.toUTF8String(result);
-    return result;
-}
-
 std::string withUnit(double count, const char* unit) {
     char buffer[48];
     std::snprintf(buffer, sizeof buffer, "%lld%s", static_cast<long long>(count), unit);
@@ -43,9 +32,9 @@ std::vector<MacQuotaBlock> chooseQuotaBlocks(const std::vector<UsageSample>& sam
     return blocks;
 }
 
-QuotaBlockHeader quotaBlockHeader(const MacQuotaBlock& block) {
+QuotaBlockHeader quotaBlockHeader(const MacQuotaBlock& block, const LocaleFormatter& locale) {
     QuotaBlockHeader header{std::string(displayLabel(block.tool)), std::nullopt};
-    if (block.sample.quotaPlan && !block.sample.quotaPlan->empty()) header.plan = upperCased(*block.sample.quotaPlan);
+    if (block.sample.quotaPlan && !block.sample.quotaPlan->empty()) header.plan = locale.upperCased(*block.sample.quotaPlan);
     return header;
 }
 

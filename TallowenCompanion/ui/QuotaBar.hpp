@@ -3,6 +3,7 @@
 #include "model/Date.hpp"
 #include "model/UsageSample.hpp"
 #include "model/UsageTool.hpp"
+#include "ui/LocaleFormatter.hpp"
 
 #include <optional>
 #include <string>
@@ -28,7 +29,7 @@ struct QuotaBlockHeader {
     std::optional<std::string> plan;
 };
 
-QuotaBlockHeader quotaBlockHeader(const MacQuotaBlock& block);
+QuotaBlockHeader quotaBlockHeader(const MacQuotaBlock& block, const LocaleFormatter& locale);
 
 // One window of a block: "5H" for the primary one, "7J" for the secondary.
 struct MacQuotaBar {

@@ -1,4 +1,5 @@
 #include "BigDigits.hpp"
+#include "IcuLocaleFormatter.hpp"
 #include "TextWidth.hpp"
 #include "base/JsonRead.hpp"
 #include "base/SupportFolderLock.hpp"
@@ -196,7 +197,7 @@ TEST_F(CommandsEndToEndTest, ThePanelShowsTodaysLogsInFrenchAndTheSummaryAgrees)
     EXPECT_EQ(lines.at(3), bigCount[0] + "  RECOURS");
     // Two measured days of 53,600 tokens on average: the counter counts every token.
     EXPECT_EQ(lines.at(4), bigCount[1] + "  35\u202f200 TOKENS");
-    EXPECT_EQ(lines.at(6), moneyText(today.cents(), LocaleFormatter("fr_FR")) + " au tarif API");
+    EXPECT_EQ(lines.at(6), moneyText(today.cents(), IcuLocaleFormatter("fr_FR")) + " au tarif API");
     EXPECT_NE(imported.standardOutput.find("CETTE SEMAINE\n2 recours · 107 k · "), std::string::npos);
     EXPECT_NE(imported.standardOutput.find("OUTILS DÉTECTÉS\nCLAUDE CODE\n"), std::string::npos);
     EXPECT_EQ(lines.back().find("Import "), 36u);

@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "ui/CountingText.hpp"
 #include "ui/MenuFormats.hpp"
 
@@ -8,12 +9,12 @@ namespace {
 
 #define NNBSP "\u202f"
 
-CountingText counter(int64_t value, double rate, const LocaleFormatter& locale) {
+CountingText counter(int64_t value, double rate, const IcuLocaleFormatter& locale) {
     return CountingText{value, [locale](int64_t n) { return tokenText(n, locale); }, rate};
 }
 
 TEST(CountingTextTest, StoppedCounterFormatsTheRoundedAnchorOncePerMinute) {
-    const LocaleFormatter english("en_US");
+    const IcuLocaleFormatter english("en_US");
     const CountingText text = counter(2500000, 0, english);
     CountingAnchor anchor;
     anchor.appear(text.value, Date{1000});
@@ -25,8 +26,8 @@ TEST(CountingTextTest, StoppedCounterFormatsTheRoundedAnchorOncePerMinute) {
 }
 
 TEST(CountingTextTest, SlowCounterCountsEveryTokenWithGrouping) {
-    const LocaleFormatter english("en_US");
-    const LocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter english("en_US");
+    const IcuLocaleFormatter french("fr_FR");
     const CountingText text = counter(1200, 5, english);
     CountingAnchor anchor;
     anchor.appear(text.value, Date{1000});
@@ -40,7 +41,7 @@ TEST(CountingTextTest, SlowCounterCountsEveryTokenWithGrouping) {
 }
 
 TEST(CountingTextTest, FastCounterAboveAMillionStepsByThousands) {
-    const LocaleFormatter english("en_US");
+    const IcuLocaleFormatter english("en_US");
     const CountingText text = counter(2400000, 250, english);
     CountingAnchor anchor;
     anchor.appear(text.value, Date{0});
@@ -50,11 +51,11 @@ TEST(CountingTextTest, FastCounterAboveAMillionStepsByThousands) {
     EXPECT_EQ(text.textAt(anchor, Date{0}, english), "2.400 M");
     EXPECT_EQ(text.textAt(anchor, Date{3.9}, english), "2.400 M");
     EXPECT_EQ(text.textAt(anchor, Date{4}, english), "2.401 M");
-    EXPECT_EQ(text.textAt(anchor, Date{0}, LocaleFormatter("fr_FR")), "2,400 M");
+    EXPECT_EQ(text.textAt(anchor, Date{0}, IcuLocaleFormatter("fr_FR")), "2,400 M");
 }
 
 TEST(CountingTextTest, StepsAndTheirTexts) {
-    const LocaleFormatter english("en_US");
+    const IcuLocaleFormatter english("en_US");
     struct Case {
         int64_t value;
         double rate;
@@ -71,7 +72,7 @@ TEST(CountingTextTest, StepsAndTheirTexts) {
     EXPECT_EQ(countingStepText(12345, 10, english), "12,345");
     EXPECT_EQ(countingStepText(12345, 100, english), "12.3 k");
     EXPECT_EQ(countingStepText(12345, 1000, english), "12 k");
-    EXPECT_EQ(countingStepText(12300, 100, LocaleFormatter("fr_FR")), "12,3 k");
+    EXPECT_EQ(countingStepText(12300, 100, IcuLocaleFormatter("fr_FR")), "12,3 k");
 }
 
 TEST(CountingTextTest, RenderingSplitsTheUnitButNeverDigitGroups) {

@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "ui/HistoryChart.hpp"
 
 #include <gtest/gtest.h>
@@ -40,7 +41,7 @@ TEST(HistoryChartTest, LaidOutForTheTerminalWidthWithGapsAndAWrappedLegend) {
     history.days = {{"2025-03-01", {2500000, 0, 0}, 2500000}, {"2025-03-02", {0, 0, 0}, 0},
                     {"2025-03-03", {0, 1200, 800}, 2000}};
     history.largestDayTotal = 2500000;
-    const LocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter french("fr_FR");
 
     const HistoryChart wide = historyChart(history, 80, french);
     EXPECT_EQ(wide.heading, "tokens per day, 2025-03-01 to 2025-03-03");

@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "ui/MenuFormats.hpp"
 
 #include <gtest/gtest.h>
@@ -9,8 +10,8 @@ namespace {
 #define NBSP "\u00a0"
 
 TEST(MenuFormatsTest, TokensInBothLocales) {
-    const LocaleFormatter french("fr_FR");
-    const LocaleFormatter english("en_US");
+    const IcuLocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter english("en_US");
     struct Case {
         int64_t tokens;
         const char* french;
@@ -32,8 +33,8 @@ TEST(MenuFormatsTest, TokensInBothLocales) {
 }
 
 TEST(MenuFormatsTest, MoneyIsUnknownBelowOneCentAndRoundedFromTenDollars) {
-    const LocaleFormatter french("fr_FR");
-    const LocaleFormatter english("en_US");
+    const IcuLocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter english("en_US");
     struct Case {
         int64_t cents;
         const char* french;
@@ -54,13 +55,13 @@ TEST(MenuFormatsTest, MoneyIsUnknownBelowOneCentAndRoundedFromTenDollars) {
 }
 
 TEST(MenuFormatsTest, LitresAndRequestCounts) {
-    const LocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter french("fr_FR");
     EXPECT_EQ(litresText(0, french), "0,0 L");
     EXPECT_EQ(litresText(400, french), "0,4 L");
     EXPECT_EQ(litresText(999, french), "1,0 L");
     EXPECT_EQ(litresText(1000, french), "1 L");
     EXPECT_EQ(litresText(2600, french), "3 L");
-    EXPECT_EQ(litresText(400, LocaleFormatter("en_US")), "0.4 L");
+    EXPECT_EQ(litresText(400, IcuLocaleFormatter("en_US")), "0.4 L");
 
     EXPECT_EQ(requestCountText(0), "00");
     EXPECT_EQ(requestCountText(7), "07");

@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "support/Dates.hpp"
 #include "support/SampleBuilder.hpp"
 #include "support/ScopedTimeZone.hpp"
@@ -25,7 +26,7 @@ protected:
 
     testing::ScopedTimeZone zone{"Europe/Paris"};
     LocalCalendar calendar;
-    LocaleFormatter french{"fr_FR"};
+    IcuLocaleFormatter french{"fr_FR"};
     // Saturday 7 March 2026, 14:05 in Paris.
     Date now = localDate(2026, 3, 7, 14, 5);
 };

@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "support/SampleBuilder.hpp"
 #include "ui/QuotaBar.hpp"
 
@@ -10,6 +11,8 @@ namespace {
 
 using testing::SampleBuilder;
 
+const IcuLocaleFormatter english("en_US");
+
 TEST(QuotaBarTest, BlocksOfEveryKnownToolWithAFreshQuotaInToolOrder) {
     const Date now{800000000};
     UsageSample phone = SampleBuilder("2026-03-01", "phone-claude").primaryQuota(5).secondaryQuota(20).updatedAt(now);
@@ -21,13 +24,13 @@ TEST(QuotaBarTest, BlocksOfEveryKnownToolWithAFreshQuotaInToolOrder) {
         now);
     ASSERT_EQ(blocks.size(), 2u);
     EXPECT_EQ(blocks[0].tool, UsageTool::claudeCode);
-    EXPECT_FALSE(quotaBlockHeader(blocks[0]).plan);
+    EXPECT_FALSE(quotaBlockHeader(blocks[0], english).plan);
     EXPECT_EQ(quotaBars(blocks[0].sample).front().title, "7J");
-    EXPECT_EQ(quotaBlockHeader(blocks[1]).label, "CLAUDE");
-    EXPECT_EQ(quotaBlockHeader(blocks[1]).plan, "PRO \u00c9T\u00c9");
+    EXPECT_EQ(quotaBlockHeader(blocks[1], english).label, "CLAUDE");
+    EXPECT_EQ(quotaBlockHeader(blocks[1], english).plan, "PRO \u00c9T\u00c9");
     EXPECT_EQ(quotaBars(blocks[1].sample).front().title + quotaBars(blocks[1].sample).back().title, "5H7J");
     phone.quotaPlan = "";
-    EXPECT_FALSE(quotaBlockHeader({UsageTool::phoneClaude, phone}).plan);
+    EXPECT_FALSE(quotaBlockHeader({UsageTool::phoneClaude, phone}, english).plan);
 }
 
 TEST(QuotaBarTest, PercentIsClampedForTheBarAndTextButNotForTheColour) {

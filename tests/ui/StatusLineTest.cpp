@@ -1,3 +1,4 @@
+#include "IcuLocaleFormatter.hpp"
 #include "support/Dates.hpp"
 #include "support/SampleBuilder.hpp"
 #include "support/ScopedTimeZone.hpp"
@@ -13,7 +14,7 @@ using testing::SampleBuilder;
 TEST(StatusLineTest, TodaysFiguresAndTheFullestFreshQuota) {
     testing::ScopedTimeZone paris("Europe/Paris");
     const Date now = testing::localDate(2025, 3, 14, 10);
-    const LocaleFormatter french("fr_FR");
+    const IcuLocaleFormatter french("fr_FR");
     UsageSample codex = SampleBuilder("2025-03-14", "codex").tokens(200000, 6090).water(400).cost(1234)
                             .primaryQuota(40).secondaryQuota(88).updatedAt(now);
     codex.requests = 7;

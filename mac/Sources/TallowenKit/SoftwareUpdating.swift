@@ -1,0 +1,4 @@
+/// The software updater (Sparkle in the Mac app).
+public protocol SoftwareUpdating: AnyObject {
+    func checkForUpdates()
+}

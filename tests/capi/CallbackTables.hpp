@@ -1,0 +1,119 @@
+#pragma once
+
+// C callback tables as the Swift core fills them, backed here by the engine's
+// own SQLite store and in-memory settings, so that every byte that crosses the
+// C interface is checked against a known implementation.
+
+#include "capi/SampleRecordJson.hpp"
+#include "capi/tallowen.h"
+#include "model/MemorySettingsStore.hpp"
+#include "store/SqliteSampleStore.hpp"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace tallowen::testing {
+
+template <typename Body>
+void answer(tw_reply* reply, const Body& body) {
+    try {
+        body();
+    } catch (const std::exception& error) {
+        tw_reply_failure(reply, error.what());
+    }
+}
+
+inline void replyText(tw_reply* reply, const std::string& text) { tw_reply_text(reply, text.data(), text.size()); }
+
+inline SampleStore& storeOf(void* context) { return *static_cast<SampleStore*>(context); }
+
+inline tw_store_callbacks sqliteStoreTable(SampleStore* store) {
+    tw_store_callbacks table{};
+    table.context = store;
+    table.fetch_all = [](void* c, tw_reply* r) {
+        answer(r, [&] { replyText(r, capi::sampleRecordsJson(storeOf(c).fetchAll())); });
+    };
+    table.fetch_day = [](void* c, const char* day, tw_reply* r) {
+        answer(r, [&] { replyText(r, capi::sampleRecordsJson(storeOf(c).fetchByDayKey(day))); });
+    };
+    table.insert = [](void* c, const char* json, tw_reply* r) {
+        answer(r, [&] { replyText(r, storeOf(c).insert(capi::parseSampleRecord(json))); });
+    };
+    table.update = [](void* c, const char* json, tw_reply* r) {
+        answer(r, [&] { storeOf(c).update(capi::parseSampleRecord(json)); });
+    };
+    table.remove = [](void* c, const char* id, tw_reply* r) { answer(r, [&] { storeOf(c).remove(id); }); };
+    table.save = [](void* c, tw_reply* r) { answer(r, [&] { storeOf(c).save(); }); };
+    table.count = [](void* c, tw_reply* r) { answer(r, [&] { tw_reply_integer(r, storeOf(c).count()); }); };
+    table.count_slot = [](void* c, const char* day, const char* tool, tw_reply* r) {
+        answer(r, [&] { tw_reply_integer(r, storeOf(c).count(SampleSlot{day, tool})); });
+    };
+    table.newest_in_slot = [](void* c, const char* day, const char* tool, tw_reply* r) {
+        answer(r, [&] {
+            if (const auto newest = storeOf(c).newestInSlot(SampleSlot{day, tool}))
+                replyText(r, capi::sampleRecordJson(*newest));
+        });
+    };
+    table.delete_slot_except = [](void* c, const char* day, const char* tool, const char* keeper, tw_reply* r) {
+        answer(r, [&] { tw_reply_integer(r, storeOf(c).deleteSlotExcept(SampleSlot{day, tool}, keeper)); });
+    };
+    table.slot_page = [](void* c, int64_t offset, int64_t limit, tw_reply* r) {
+        answer(r, [&] {
+            std::string json = "[";
+            for (const SampleSlot& slot : storeOf(c).slotPage(offset, limit)) {
+                if (json.size() > 1) json += ",";
+                json += R"({"dayKey":")" + slot.dayKey + R"(","tool":")" + slot.tool + R"("})";
+            }
+            replyText(r, json + "]");
+        });
+    };
+    table.release = [](void* c) { delete static_cast<SampleStore*>(c); };
+    return table;
+}
+
+// Opens the SQLite store at a path through the opener table, as many times as asked.
+struct SqliteOpener {
+    std::filesystem::path path;
+    SqliteSampleStore::Access access = SqliteSampleStore::Access::readWrite;
+    int opened = 0;
+    int released = 0;
+
+    tw_store_opener table() {
+        tw_store_opener opener{};
+        opener.context = this;
+        opener.open = [](void* c, tw_store_callbacks* store, tw_reply* reply) {
+            auto& self = *static_cast<SqliteOpener*>(c);
+            try {
+                *store = sqliteStoreTable(new SqliteSampleStore(self.path, self.access));
+                ++self.opened;
+                return true;
+            } catch (const std::exception& error) {
+                tw_reply_failure(reply, error.what());
+                return false;
+            }
+        };
+        opener.release = [](void* c) { ++static_cast<SqliteOpener*>(c)->released; };
+        return opener;
+    }
+};
+
+inline tw_settings_callbacks memorySettingsTable(MemorySettingsStore* settings) {
+    tw_settings_callbacks table{};
+    table.context = settings;
+    table.bool_value = [](void* c, const char* key) { return static_cast<MemorySettingsStore*>(c)->boolValue(key); };
+    table.set_bool = [](void* c, const char* key, bool value) {
+        static_cast<MemorySettingsStore*>(c)->setBool(key, value);
+    };
+    table.date_value = [](void* c, const char* key, double* date) {
+        const auto value = static_cast<MemorySettingsStore*>(c)->dateValue(key);
+        if (value) *date = value->secondsSinceReferenceDate;
+        return value.has_value();
+    };
+    table.set_date = [](void* c, const char* key, double date) {
+        static_cast<MemorySettingsStore*>(c)->setDate(key, Date{date});
+    };
+    return table;
+}
+
+}  // namespace tallowen::testing
