@@ -3,8 +3,8 @@
 # an optimised build (the one users run, benchmarks included) and a debug one
 # under the address and undefined-behaviour sanitizers; then the Swift package
 # (the engine without ICU, TallowenKit and its tests), once plainly and once
-# under the address sanitizer, so that memory crossing the C interface is checked;
-# last, each fuzz target for 20 seconds.
+# under the address sanitizer, so that memory crossing the C interface is checked.
+# Between the two, each fuzz target runs for 20 seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -28,6 +28,8 @@ cmake -S . -B build/sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTALLOWEN_SANITI
 cmake --build build/sanitize -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:allow_user_segv_handler=1:handle_sigbus=0 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/sanitize --output-on-failure -j "$jobs"
+# Each fuzz target of fuzz/ for 20 seconds.
+bash scripts/fuzz.sh 20
 
 # The Swift package. Its end-to-end import test compares with `tallowen scan
 # --json` from the release build above. LeakSanitizer's reports of the
@@ -46,4 +48,3 @@ else
   exit 1
 fi
 
-bash scripts/fuzz.sh 20
