@@ -26,7 +26,9 @@ final class CloudEventObserver {
                     as? NSPersistentCloudKitContainer.Event
             else { return }
             let value = CloudEventObserver.syncEvent(from: event)
-            Task { @MainActor in
+            // Delivered on the main queue: applied at once, so that an event's
+            // start and end reach the state machine in the order they came.
+            MainActor.assumeIsolated {
                 status.apply(value)
             }
         }

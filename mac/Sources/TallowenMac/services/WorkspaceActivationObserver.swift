@@ -26,7 +26,8 @@ final class WorkspaceActivationObserver {
                 let application = notification.userInfo?[NSWorkspace.applicationUserInfoKey] as? NSRunningApplication,
                 let bundleIdentifier = application.bundleIdentifier
             else { return }
-            Task { @MainActor in
+            // Delivered on the main queue: stamped at the activation itself.
+            MainActor.assumeIsolated {
                 WorkspaceActivationObserver.record(bundleIdentifier)
             }
         }

@@ -1,4 +1,5 @@
 import Foundation
+import SwiftData
 import TallowenKit
 
 /// The menu's live query turned into the engine's values. Reading every

@@ -9,7 +9,7 @@ import TallowenKit
 struct MacMenuContent: View {
     let frame: PanelFrame
     let importer: UsageImporter
-    let setLoginItem: @MainActor (Bool) -> Void
+    let setLoginItem: @MainActor @Sendable (Bool) -> Void
 
     /// The height the scrolling body needs; it grows the panel up to
     /// `tallestBodyPoints`, past which the body scrolls.
@@ -218,7 +218,8 @@ struct MacMenuContent: View {
     @ViewBuilder
     private var loginItem: some View {
         if let loginItem = frame.loginItem {
-            Toggle(isOn: Binding(get: { loginItem.isOn }, set: { isOn in setLoginItem(isOn) })) {
+            let setLoginItem = self.setLoginItem
+            Toggle(isOn: Binding(get: { loginItem.isOn }, set: { @MainActor isOn in setLoginItem(isOn) })) {
                 Text(verbatim: LocalizedText.lookUp(loginItem.label))
                     .font(.system(size: 10, weight: .medium))
                     .foregroundStyle(Palette.primary)

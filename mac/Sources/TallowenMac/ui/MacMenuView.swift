@@ -47,15 +47,22 @@ struct MacMenuView: View {
                 note: cleaning.note
             )
         } else {
-            MacMenuContent(frame: frame, importer: importer, setLoginItem: setLoginItem)
+            MacMenuContent(frame: frame, importer: importer, setLoginItem: loginItemSetter)
         }
     }
 
     /// The checkbox asks the platform, then shows what the platform now says:
-    /// a registration waiting for approval stays unticked.
-    private func setLoginItem(_ enabled: Bool) {
-        launchAtLogin.setEnabled(enabled)
-        session.loginItemChanged(launchAtLogin.isEnabled)
-        inputRevision &+= 1
+    /// a registration waiting for approval stays unticked. The checkbox's
+    /// binding takes sendable closures, so this one holds only sendable values
+    /// (the main-actor services and the revision's binding), never the view.
+    private var loginItemSetter: @MainActor @Sendable (Bool) -> Void {
+        let launchAtLogin = self.launchAtLogin
+        let session = self.session
+        let revision = $inputRevision
+        return { enabled in
+            launchAtLogin.setEnabled(enabled)
+            session.loginItemChanged(launchAtLogin.isEnabled)
+            revision.wrappedValue &+= 1
+        }
     }
 }

@@ -11,7 +11,7 @@ struct PanelSessionFeed: ViewModifier {
     let syncStatus: CloudSyncStatus
     let launchAtLogin: LaunchAtLogin
     let cloudEnvironment: String?
-    let inputsChanged: () -> Void
+    let inputsChanged: @MainActor () -> Void
 
     func body(content: Content) -> some View {
         content
