@@ -41,7 +41,7 @@ TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierTextInAnyOrd
             EXPECT_EQ(ids, c.kept);
         }
     }
-    EXPECT_TRUE(oneSamplePerSlot({}).empty());
+    EXPECT_TRUE(oneSamplePerSlot(std::vector<UsageSample>{}).empty());
 }
 
 TEST(OneSamplePerSlotTest, AnIdenticalIdentifierKeepsTheSampleHeld) {

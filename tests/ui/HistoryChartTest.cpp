@@ -44,9 +44,6 @@ TEST(HistoryChartTest, LaidOutForTheTerminalWidthWithGapsAndAWrappedLegend) {
     const IcuLocaleFormatter french("fr_FR");
 
     const HistoryChart wide = historyChart(history, 80, french);
-    EXPECT_EQ(wide.figureColumns, 5);
-    EXPECT_EQ(wide.barColumns, 80 - 10 - 3 - 5);
-    EXPECT_EQ(wide.rows[0].cells.size(), 62u);
     EXPECT_TRUE(wide.rows[1].figureText.empty() && wide.rows[1].cells.empty());
     EXPECT_EQ(wide.rows[2].figureText, "2 k");
 

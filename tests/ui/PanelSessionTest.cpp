@@ -131,7 +131,6 @@ TEST_F(PanelSessionTest, TheCounterAppearsThenClimbsAndMovesToEachNewValue) {
     PanelCounter counter = panel.frame(now).today.counter;
     EXPECT_EQ(counter.text, "288" NNBSP "000");
     EXPECT_FALSE(counter.animates);
-    EXPECT_DOUBLE_EQ(counter.tickSeconds, 0.2);
     EXPECT_EQ(panel.nextFrameDate(now), now.addingSeconds(0.2));
 
     counter = panel.frame(now.addingSeconds(1)).today.counter;
@@ -142,9 +141,7 @@ TEST_F(PanelSessionTest, TheCounterAppearsThenClimbsAndMovesToEachNewValue) {
 
     panel.samplesReloaded({today("claude-code", 2880000)});
     counter = panel.frame(now.addingSeconds(2)).today.counter;
-    EXPECT_EQ(counter.text, "2,880 M");
-    EXPECT_EQ(counter.number, "2,880");
-    EXPECT_EQ(counter.unit, "M");
+    EXPECT_EQ(counter.number + "|" + *counter.unit, "2,880|M");
     EXPECT_TRUE(counter.animates);
     EXPECT_DOUBLE_EQ(counter.transitionSeconds, 1.2);
 
