@@ -31,8 +31,9 @@ TEST(AppActivityRecorderTest, RepeatsWithinAMinuteOfTheSameApplicationAreIgnored
         ActivationStamps expected;
     };
     const std::vector<Case> cases = {
-        {"59 s apart", {{chatGPT, 0}, {chatGPT, 59}}, {{chatGPT, {base}}}},
-        {"60 s apart", {{chatGPT, 0}, {chatGPT, 60}}, {{chatGPT, {base, base.addingSeconds(60)}}}},
+        {"59 s then 60 s apart",
+         {{chatGPT, 0}, {chatGPT, 59}, {chatGPT, 60}},
+         {{chatGPT, {base, base.addingSeconds(60)}}}},
         {"per application",
          {{chatGPT, 0}, {claude, 1}, {perplexity, 2}},
          {{chatGPT, {base}}, {claude, {base.addingSeconds(1)}}, {perplexity, {base.addingSeconds(2)}}}},
@@ -46,7 +47,8 @@ TEST(AppActivityRecorderTest, RepeatsWithinAMinuteOfTheSameApplicationAreIgnored
         TempDir dir;
         AppActivityRecorder recorder(activationFile(dir));
         size_t recorded = 0, expected = 0;
-        for (const auto& [bundleId, offset] : c.activations) recorded += recorder.record(bundleId, base.addingSeconds(offset));
+        for (const auto& [bundleId, offset] : c.activations)
+            recorded += recorder.record(bundleId, base.addingSeconds(offset));
         for (const auto& [bundleId, dates] : c.expected) expected += dates.size();
         EXPECT_EQ(recorded, expected);
         EXPECT_EQ(recorder.stamps(), c.expected);

@@ -33,9 +33,9 @@ TEST(JsonSettingsStoreTest, KeepsBooleansAndDatesExactlyAcrossInstancesAndOtherK
 TEST(JsonSettingsStoreTest, ANumberNoCalendarCanShowIsNoDate) {
     TempDir dir;
     const JsonSettingsStore settings = JsonSettingsStore::inSupportFolder(dir.path());
-    const std::pair<const char*, bool> cases[] = {{"1e308", false},        {"-1e308", false},       {"1e300", false},
-                                                  {"252423993600", false}, {"252423993599", true},  {"-63113904000", true},
-                                                  {"-63113904001", false}, {"0", true}};
+    const std::pair<const char*, bool> cases[] = {
+        {"1e308", false},       {"-1e308", false},       {"1e300", false}, {"252423993600", false},
+        {"252423993599", true}, {"-63113904000", true}, {"-63113904001", false}, {"0", true}};
     for (const auto& [number, usable] : cases) {
         dir.write("settings.json", std::string(R"({"lastImportDate":)") + number + "}");
         EXPECT_EQ(settings.dateValue("lastImportDate").has_value(), usable) << number;

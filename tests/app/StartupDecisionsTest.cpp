@@ -43,7 +43,8 @@ TEST(StartupDecisionsTest, CloudOnlyWithTheEntitlementAndLoginItemOnlyWhenEnable
     for (const auto& [entitled, enabled] : {std::pair{true, false}, {false, true}, {false, false}})
         EXPECT_EQ(cloudDatabaseChoice(entitled, enabled), CloudDatabaseChoice::none);
     EXPECT_TRUE(loginItemEnabled(LoginItemStatus::enabled));
-    for (const auto status : {LoginItemStatus::notRegistered, LoginItemStatus::requiresApproval, LoginItemStatus::notFound})
+    for (const auto status :
+         {LoginItemStatus::notRegistered, LoginItemStatus::requiresApproval, LoginItemStatus::notFound})
         EXPECT_FALSE(loginItemEnabled(status));
 }
 

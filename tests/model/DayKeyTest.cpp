@@ -21,7 +21,8 @@ TEST(DayKeyTest, LocalDayWithMinimumWidths) {
 TEST(DayKeyTest, KeysTurnBackIntoDayStartsAcrossAShortDay) {
     ScopedTimeZone zone("America/New_York");
     const LocalCalendar calendar;
-    for (const char* key : {"2026-01-05", "2026-1-5", "2026--01-05"}) EXPECT_EQ(dateOfDayKey(key, calendar), localDate(2026, 1, 5)) << key;
+    for (const char* key : {"2026-01-05", "2026-1-5", "2026--01-05"})
+        EXPECT_EQ(dateOfDayKey(key, calendar), localDate(2026, 1, 5)) << key;
     for (const char* key : {"2026-01", "abc", "", "2026-01-05-07"}) EXPECT_FALSE(dateOfDayKey(key, calendar)) << key;
     // A day of 23 hours: the start of the next day is 23 hours later.
     const auto springStart = dateOfDayKey("2026-03-08", calendar);

@@ -18,7 +18,9 @@ TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierTextInAnyOrd
         std::vector<UsageSample> samples;
         std::vector<std::string> kept;
     } cases[] = {
-        {"later updatedAt wins", {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 11, "b")}, {"b"}},
+        {"later updatedAt wins",
+         {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 11, "b")},
+         {"b"}},
         {"tie: identifier text sorting first, by code points",
          {sample("2025-03-14", "codex", 10, "x-10"), sample("2025-03-14", "codex", 10, "x-9"),
           sample("2025-03-14", "codex", 10, "X-99")},

@@ -80,9 +80,10 @@ TEST_F(MenuModelTest, AWeekOfSamplesFillsTodayTheWeekTheQuotasAndTheImportersLin
     ASSERT_EQ(m.quotaBlocks.size(), 1u);
     const MenuQuotaBlock& quota = m.quotaBlocks[0];
     ASSERT_EQ(quota.bars.size(), 2u);
-    EXPECT_EQ((Texts{quota.label, *quota.plan, quota.bars[0].percentText, *quota.bars[0].resetText, quota.bars[1].title}),
+    const MenuQuotaBar& fiveHours = quota.bars[0];
+    EXPECT_EQ((Texts{quota.label, *quota.plan, fiveHours.percentText, *fiveHours.resetText, quota.bars[1].title}),
               (Texts{"CODEX", "PLUS", "82 %", "reset 3 h", "7J"}));
-    EXPECT_TRUE(quota.bars[0].warning);
+    EXPECT_TRUE(fiveHours.warning);
     EXPECT_FALSE(quota.bars[1].warning || quota.bars[1].resetText);
 }
 
@@ -124,7 +125,8 @@ TEST(MenuModelRulesTest, DevelopmentBadgeAndWeekDaysAcrossMonthEndsAndClockChang
 
     testing::ScopedTimeZone zone("Europe/Paris");
     EXPECT_EQ(weekDayKeys(localDate(2026, 3, 3, 0, 30), LocalCalendar{}),
-              (Texts{"2026-03-03", "2026-03-02", "2026-03-01", "2026-02-28", "2026-02-27", "2026-02-26", "2026-02-25"}));
+              (Texts{"2026-03-03", "2026-03-02", "2026-03-01", "2026-02-28", "2026-02-27", "2026-02-26",
+                     "2026-02-25"}));
     EXPECT_EQ(weekDayKeys(localDate(2026, 3, 30, 23, 30), LocalCalendar{}).back(), "2026-03-24");
 }
 

@@ -14,7 +14,8 @@ TEST(TypewriterTitleTest, TypesPausesErasesTheFourPhrasesAndRestsOnTheWordmark) 
     const std::pair<double, const char*> texts[] = {{-1, ""},          {0, "T"},         {89, "T"},
                                                     {90, "TA"},        {1174, "TALLOWEN"}, {1175, "TALLOWE"},
                                                     {1490, ""},        {1890, "B"},      {1000000, "TALLOWEN"}};
-    for (const auto& [milliseconds, text] : texts) EXPECT_EQ(typewriterTextAt(timeline, milliseconds), text) << milliseconds;
+    for (const auto& [milliseconds, text] : texts)
+        EXPECT_EQ(typewriterTextAt(timeline, milliseconds), text) << milliseconds;
 
     EXPECT_TRUE(typewriterCursorVisibleAt(499));
     EXPECT_FALSE(typewriterCursorVisibleAt(500));
