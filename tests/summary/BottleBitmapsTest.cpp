@@ -26,11 +26,6 @@ TEST(BottleBitmapsTest, FiveBitmapsOf44RowsOf24CellsWithTheWaterRisingFromTheBev
     // The empty bottle: from the shoulders to the bevel only the outline's two sides.
     const BottleBitmap& empty = bottleBitmap(BottleLevel::empty);
     for (size_t row = 9; row <= 39; ++row) EXPECT_EQ(std::count(empty[row].begin(), empty[row].end(), '1'), 2) << row;
-
-    const BottleBitmap& overflow = bottleBitmap(BottleLevel::overflow);
-    EXPECT_EQ(overflow[41], "000111111111111111111000");
-    EXPECT_EQ(overflow[42], "011111111111111111111110");
-    EXPECT_EQ(overflow[43], "000011111111111111110000");
 }
 
 TEST(PixelGridTest, SquareCellsAsLargeAsFitCentredInTheRectangle) {
