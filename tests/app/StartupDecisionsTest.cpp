@@ -6,7 +6,7 @@
 namespace tallowen {
 namespace {
 
-// Records whether a flag was already set when the caller's action would run.
+// Records the order of the flag writes, to see each one made before its action.
 class WatchedSettings : public MemorySettingsStore {
 public:
     void setBool(const std::string& key, bool value) override {
@@ -16,42 +16,35 @@ public:
     std::vector<std::string> writes;
 };
 
-TEST(StartupDecisionsTest, EachOnceOnlyActionIsClaimedOnceWithItsFlagSetFirst) {
+TEST(StartupDecisionsTest, EachOnceOnlyActionIsClaimedOnceWithItsOwnFlagSetFirst) {
     WatchedSettings settings;
     EXPECT_TRUE(claimLoginItemRegistration(settings));
     EXPECT_EQ(settings.writes, std::vector<std::string>{"loginItemRegistered"});
-    EXPECT_TRUE(settings.boolValue("loginItemRegistered"));
     EXPECT_FALSE(claimLoginItemRegistration(settings));
 
     const auto notice = claimFirstLaunchNotice(settings);
     ASSERT_TRUE(notice);
-    EXPECT_TRUE(settings.boolValue("firstLaunchNoticeShown"));
+    EXPECT_EQ(settings.writes.back(), "firstLaunchNoticeShown");
     EXPECT_DOUBLE_EQ(notice->delaySeconds, 0.6);
-    EXPECT_EQ(notice->messageText, "Le compagnon est installé.");
+    EXPECT_EQ(notice->messageText + "|" + notice->buttonTitle, "Le compagnon est installé.|Compris");
     EXPECT_EQ(notice->informativeText,
               "Cherche son icône dans la barre de menu, en haut de l'écran. Il lit tes journaux en local et "
               "n'envoie que des nombres vers ton iCloud.");
-    EXPECT_EQ(notice->buttonTitle, "Compris");
     EXPECT_FALSE(claimFirstLaunchNotice(settings));
     EXPECT_EQ(settings.writes.size(), 2u);
-}
 
-TEST(StartupDecisionsTest, TheFlagsAreIndependent) {
-    MemorySettingsStore settings;
-    settings.setBool("firstLaunchNoticeShown", true);
-    EXPECT_FALSE(claimFirstLaunchNotice(settings));
-    EXPECT_TRUE(claimLoginItemRegistration(settings));
+    MemorySettingsStore noticeShown;
+    noticeShown.setBool("firstLaunchNoticeShown", true);
+    EXPECT_TRUE(claimLoginItemRegistration(noticeShown));
 }
 
 TEST(StartupDecisionsTest, CloudOnlyWithTheEntitlementAndLoginItemOnlyWhenEnabled) {
     EXPECT_EQ(cloudDatabaseChoice(true, true), CloudDatabaseChoice::privateDatabase);
-    EXPECT_EQ(cloudDatabaseChoice(true, false), CloudDatabaseChoice::none);
-    EXPECT_EQ(cloudDatabaseChoice(false, true), CloudDatabaseChoice::none);
-    EXPECT_EQ(cloudDatabaseChoice(false, false), CloudDatabaseChoice::none);
-
+    for (const auto& [entitled, enabled] : {std::pair{true, false}, {false, true}, {false, false}})
+        EXPECT_EQ(cloudDatabaseChoice(entitled, enabled), CloudDatabaseChoice::none);
     EXPECT_TRUE(loginItemEnabled(LoginItemStatus::enabled));
-    for (const auto status : {LoginItemStatus::notRegistered, LoginItemStatus::requiresApproval,
-                              LoginItemStatus::notFound})
+    for (const auto status :
+         {LoginItemStatus::notRegistered, LoginItemStatus::requiresApproval, LoginItemStatus::notFound})
         EXPECT_FALSE(loginItemEnabled(status));
 }
 

@@ -8,24 +8,23 @@
 namespace tallowen {
 namespace {
 
+#define FFFD "\uFFFD"
+
+// One replacement character per maximal ill-formed subpart, as the platform's string type reads bytes.
 TEST(Utf8TextTest, IllFormedSequencesBecomeReplacementCharacters) {
     const struct {
         std::string bytes, valid, lossless;
     } cases[] = {
         {"plain é 😀", "plain é 😀", "plain é 😀"},
-        {"", "", ""},
         {std::string("a\0b", 3), std::string("a\0b", 3), std::string("a\0b", 3)},
-        {"\xff", "\uFFFD", "\uFFFD" "FF"},
-        {"caf\xe9!", "caf\uFFFD!", "caf\uFFFD" "E9!"},
-        // A truncated three-byte sequence is one maximal subpart, then the next byte.
-        {"\xe2\x82x", "\uFFFDx", "\uFFFD" "E2\uFFFD" "82x"},
-        // Overlong forms, surrogates and code points past U+10FFFF are ill-formed.
-        {"\xc0\xaf", "\uFFFD\uFFFD", "\uFFFD" "C0\uFFFD" "AF"},
-        {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD", "\uFFFD" "ED\uFFFD" "A0\uFFFD" "80"},
-        {"\xf4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD", "\uFFFD" "F4\uFFFD" "90\uFFFD" "80\uFFFD" "80"},
-        {"\xf0\x9f\x98", "\uFFFD", "\uFFFD" "F0\uFFFD" "9F\uFFFD" "98"},
+        {"caf\xe9!", "caf" FFFD "!", "caf" FFFD "E9!"},
+        {"\xe2\x82x", FFFD "x", FFFD "E2" FFFD "82x"},  // truncated: one subpart, then the next byte
+        {"\xc0\xaf", FFFD FFFD, FFFD "C0" FFFD "AF"},   // overlong
+        {"\xed\xa0\x80", FFFD FFFD FFFD, FFFD "ED" FFFD "A0" FFFD "80"},  // surrogate
+        {"\xf4\x90\x80\x80", FFFD FFFD FFFD FFFD, FFFD "F4" FFFD "90" FFFD "80" FFFD "80"},  // past U+10FFFF
+        {"\xf0\x9f\x98", FFFD, FFFD "F0" FFFD "9F" FFFD "98"},  // cut short at the end
         // A replacement character that was there is doubled, so it cannot pass for an escape.
-        {"\uFFFD" "FF", "\uFFFD" "FF", "\uFFFD\uFFFD" "FF"},
+        {FFFD "FF", FFFD "FF", FFFD FFFD "FF"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(validUtf8(c.bytes), c.valid) << c.bytes;

@@ -9,34 +9,21 @@ namespace {
 
 using testing::localDate;
 using testing::ScopedTimeZone;
-using testing::utcDate;
 
-TEST(DayKeyTest, FormatsLocalDateWithMinimumWidths) {
+TEST(DayKeyTest, LocalDayWithMinimumWidths) {
     ScopedTimeZone zone("Europe/Paris");
-    const LocalCalendar calendar;
-    EXPECT_EQ(dayKey(localDate(2026, 1, 5, 12), calendar), "2026-01-05");
+    EXPECT_EQ(dayKey(localDate(2026, 1, 5, 12), LocalCalendar{}), "2026-01-05");
     EXPECT_EQ(dayKey(12026, 3, 7), "12026-03-07");
     // 23:30 UTC on 31 December is already 1 January in Paris.
-    EXPECT_EQ(dayKey(utcDate(2025, 12, 31, 23, 30), calendar), "2026-01-01");
-    EXPECT_LT(dayKey(2025, 12, 31), dayKey(2026, 1, 1));
+    EXPECT_EQ(dayKey(testing::utcDate(2025, 12, 31, 23, 30), LocalCalendar{}), "2026-01-01");
 }
 
-TEST(DayKeyTest, KeysTurnBackIntoDayStarts) {
+TEST(DayKeyTest, KeysTurnBackIntoDayStartsAcrossAShortDay) {
     ScopedTimeZone zone("America/New_York");
     const LocalCalendar calendar;
-    const Date expected = localDate(2026, 1, 5);
-    struct Case {
-        const char* key;
-        bool parses;
-    } cases[] = {{"2026-01-05", true}, {"2026-1-5", true},  {"2026--01-05", true}, {"2026-01", false},
-                 {"abc", false},       {"", false},         {"2026-01-05-07", false}};
-    for (const auto& c : cases) {
-        const auto date = dateOfDayKey(c.key, calendar);
-        EXPECT_EQ(date.has_value(), c.parses) << c.key;
-        if (c.parses && date) {
-            EXPECT_EQ(*date, expected) << c.key;
-        }
-    }
+    for (const char* key : {"2026-01-05", "2026-1-5", "2026--01-05"})
+        EXPECT_EQ(dateOfDayKey(key, calendar), localDate(2026, 1, 5)) << key;
+    for (const char* key : {"2026-01", "abc", "", "2026-01-05-07"}) EXPECT_FALSE(dateOfDayKey(key, calendar)) << key;
     // A day of 23 hours: the start of the next day is 23 hours later.
     const auto springStart = dateOfDayKey("2026-03-08", calendar);
     const auto nextStart = dateOfDayKey("2026-03-09", calendar);

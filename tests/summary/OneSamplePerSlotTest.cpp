@@ -1,38 +1,25 @@
 #include "summary/OneSamplePerSlot.hpp"
+#include "support/SampleBuilder.hpp"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace tallowen {
 namespace {
 
-UsageSample sample(const char* day, const char* tool, double updatedAt, const char* id, int64_t requests = 0) {
-    UsageSample s;
-    s.dayKey = day;
-    s.tool = tool;
-    s.updatedAt = Date{updatedAt};
-    s.persistentId = id;
-    s.requests = requests;
-    return s;
+UsageSample sample(const char* day, const char* tool, double updatedAt, const char* id) {
+    return testing::SampleBuilder(day, tool).updatedAt(Date{updatedAt}).id(id);
 }
 
-std::vector<std::string> keptIds(const std::vector<UsageSample>& samples) {
-    std::vector<std::string> ids;
-    for (const auto& s : oneSamplePerSlot(samples)) ids.push_back(s.persistentId);
-    return ids;
-}
-
-TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierText) {
-    struct Case {
+TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierTextInAnyOrder) {
+    const struct {
         const char* name;
         std::vector<UsageSample> samples;
         std::vector<std::string> kept;
-    };
-    const std::vector<Case> cases = {
-        {"later updatedAt wins in either order",
+    } cases[] = {
+        {"later updatedAt wins",
          {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 11, "b")},
-         {"b"}},
-        {"later updatedAt wins in either order (reversed)",
-         {sample("2025-03-14", "codex", 11, "b"), sample("2025-03-14", "codex", 10, "a")},
          {"b"}},
         {"tie: identifier text sorting first, by code points",
          {sample("2025-03-14", "codex", 10, "x-10"), sample("2025-03-14", "codex", 10, "x-9"),
@@ -45,19 +32,26 @@ TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierText) {
         {"day and tool stay apart even where their joined texts would meet",
          {sample("d", "codex", 1, "1"), sample("d|codex", "", 1, "2"), sample("d", "|codex", 1, "3")},
          {"1", "3", "2"}},
-        {"nothing", {}, {}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(keptIds(c.samples), c.kept);
+        std::vector<UsageSample> samples = c.samples;
+        for (const bool reversed : {false, true}) {
+            if (reversed) std::reverse(samples.begin(), samples.end());
+            std::vector<std::string> ids;
+            for (const auto& s : oneSamplePerSlot(samples)) ids.push_back(s.persistentId);
+            EXPECT_EQ(ids, c.kept);
+        }
     }
+    EXPECT_TRUE(oneSamplePerSlot(std::vector<UsageSample>{}).empty());
 }
 
 TEST(OneSamplePerSlotTest, AnIdenticalIdentifierKeepsTheSampleHeld) {
-    const auto kept =
-        oneSamplePerSlot({sample("2025-03-14", "codex", 10, "a", 1), sample("2025-03-14", "codex", 10, "a", 2)});
+    std::vector<UsageSample> twins = {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 10, "a")};
+    twins[1].requests = 2;
+    const auto kept = oneSamplePerSlot(twins);
     ASSERT_EQ(kept.size(), 1u);
-    EXPECT_EQ(kept.front().requests, 1);
+    EXPECT_EQ(kept.front().requests, 0);
 }
 
 }  // namespace

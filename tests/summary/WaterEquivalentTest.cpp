@@ -10,10 +10,9 @@ TEST(WaterEquivalentTest, BottlesBelowNinetyLitresThenShowers) {
         int64_t milliliters;
         const char* text;
     } cases[] = {
-        {0, "\u2248 1 bouteilles"},       {-4000, "\u2248 1 bouteilles"},   {1500, "\u2248 1 bouteilles"},
-        {2249, "\u2248 1 bouteilles"},    {2250, "\u2248 2 bouteilles"},    {89999, "\u2248 60 bouteilles"},
-        {90000, "\u2248 2 douches"},      {149999, "\u2248 2 douches"},     {150000, "\u2248 3 douches"},
-        {60000000000, "\u2248 1000000 douches"},
+        {-4000, "\u2248 1 bouteilles"}, {2249, "\u2248 1 bouteilles"}, {2250, "\u2248 2 bouteilles"},
+        {89999, "\u2248 60 bouteilles"}, {90000, "\u2248 2 douches"},  {149999, "\u2248 2 douches"},
+        {150000, "\u2248 3 douches"},   {60000000000, "\u2248 1000000 douches"},
     };
     for (const auto& c : cases) EXPECT_EQ(waterEquivalentText(c.milliliters), c.text) << c.milliliters;
 }

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace tallowen {
 namespace {
 
@@ -35,42 +37,34 @@ TEST_F(PanelSessionTest, AnEmptyStoreGivesTheEmptyPanelAndOnlyTheOfferedCommands
     PanelSession terminal = session();
     terminal.importerChanged(ImporterState{});
     const PanelFrame frame = terminal.frame(now);
-    EXPECT_FALSE(frame.cleaning);
-    EXPECT_EQ(frame.today.requestsText, "00");
     EXPECT_EQ(frame.today.counter.text, "0");
     EXPECT_EQ(frame.today.bottleRows.size(), 44u);
-    EXPECT_TRUE(frame.toolRows.empty());
-    EXPECT_FALSE(frame.quotas);
     EXPECT_EQ(frame.detectedTools.role, TextRole::dimmed);
-    EXPECT_EQ(frame.detectedTools.text.rfind("Aucun pour l'instant.", 0), 0u);
     EXPECT_EQ(frame.footer.importRole, TextRole::primary);
-    EXPECT_FALSE(frame.cloudWarning || frame.loginItem || frame.updateButton || frame.footer.syncStatusLine);
+    EXPECT_FALSE(frame.cleaning || frame.quotas || frame.cloudWarning || frame.loginItem || frame.updateButton ||
+                 frame.footer.syncStatusLine);
 
     PanelSession mac = session(PanelOptions{true, true, true});
     mac.loginItemChanged(true);
     const PanelFrame full = mac.frame(now);
     ASSERT_TRUE(full.cloudWarning && full.loginItem && full.updateButton);
-    EXPECT_EQ(full.cloudWarning->text, "Synchro iCloud jamais réussie sur ce Mac.");
-    EXPECT_EQ(full.cloudWarning->role, TextRole::warning);
-    EXPECT_EQ(full.cloudWarning->relaunchLabel, "RELANCER");
-    EXPECT_EQ(full.loginItem->label, "Lancer au démarrage");
-    EXPECT_TRUE(full.loginItem->isOn);
-    EXPECT_EQ(full.updateButton->label, "VÉRIFIER LES MISES À JOUR");
+    EXPECT_EQ(full.cloudWarning->kind, CloudWarningKind::never);
+    EXPECT_TRUE(full.cloudWarning->showsRelaunch && full.loginItem->isOn);
     EXPECT_EQ(full.footer.syncStatusLine, "iCloud · jamais connecté");
 }
 
 TEST_F(PanelSessionTest, ToolsComeFromTheStoreOnlyWhenNoRunFoundThem) {
     PanelSession panel = session();
     panel.samplesReloaded({today("cursor", 10), today("phone-chatgpt", 10), today("claude-code", 10)});
-    ImporterState stored;
-    stored.detectedToolsFromStore = true;
-    panel.importerChanged(stored);
+    ImporterState state;
+    state.detectedToolsFromStore = true;
+    panel.importerChanged(state);
     EXPECT_EQ(panel.frame(now).detectedTools.text, "CLAUDE CODE · CURSOR");
     EXPECT_EQ(panel.frame(now).detectedTools.role, TextRole::primary);
 
-    ImporterState running;
-    running.isImporting = true;
-    panel.importerChanged(running);
+    state = ImporterState{};
+    state.isImporting = true;
+    panel.importerChanged(state);
     const PanelFrame importing = panel.frame(now);
     EXPECT_EQ(importing.detectedTools.role, TextRole::dimmed);
     EXPECT_TRUE(importing.showsImportIndicator);
@@ -96,20 +90,26 @@ TEST_F(PanelSessionTest, TheCleaningViewReplacesThePanelWhileThePurgeRuns) {
     PanelSession panel = session();
     ImporterState purging;
     purging.isImporting = true;
-    purging.purgeProgress = 0.005;
+    purging.purgeProgress = 0.37;
     panel.importerChanged(purging);
-    PanelFrame frame = panel.frame(now);
+    const PanelFrame frame = panel.frame(now);
     ASSERT_TRUE(frame.cleaning);
     EXPECT_EQ(frame.cleaning->title, "NETTOYAGE DES MESURES");
-    EXPECT_EQ(frame.cleaning->percentText, "1 %");
     EXPECT_EQ(frame.cleaning->note, "Une seule fois. Les doublons partent, tes chiffres restent.");
     EXPECT_FALSE(frame.showsImportIndicator);
-
-    purging.purgeProgress = 1.5;
-    panel.importerChanged(purging);
-    frame = panel.frame(now);
-    EXPECT_EQ(frame.cleaning->percentText, "150 %");
-    EXPECT_EQ(frame.cleaning->barFraction, 1.0);
+    // The percent rounds half up; the bar stops at its ends.
+    const struct {
+        double progress;
+        const char* text;
+        double fraction;
+    } cases[] = {{0.004, "0 %", 0.004}, {0.005, "1 %", 0.005}, {1.234, "123 %", 1}, {-0.2, "-20 %", 0},
+                 {std::numeric_limits<double>::quiet_NaN(), "0 %", 0}};
+    for (const auto& c : cases) {
+        purging.purgeProgress = c.progress;
+        panel.importerChanged(purging);
+        EXPECT_EQ(panel.frame(now).cleaning->percentText, c.text) << c.progress;
+        EXPECT_DOUBLE_EQ(panel.frame(now).cleaning->barFraction, c.fraction) << c.progress;
+    }
     purging.purgeProgress.reset();
     panel.importerChanged(purging);
     EXPECT_FALSE(panel.frame(now).cleaning);
@@ -131,7 +131,6 @@ TEST_F(PanelSessionTest, TheCounterAppearsThenClimbsAndMovesToEachNewValue) {
     PanelCounter counter = panel.frame(now).today.counter;
     EXPECT_EQ(counter.text, "288" NNBSP "000");
     EXPECT_FALSE(counter.animates);
-    EXPECT_DOUBLE_EQ(counter.tickSeconds, 0.2);
     EXPECT_EQ(panel.nextFrameDate(now), now.addingSeconds(0.2));
 
     counter = panel.frame(now.addingSeconds(1)).today.counter;
@@ -142,9 +141,7 @@ TEST_F(PanelSessionTest, TheCounterAppearsThenClimbsAndMovesToEachNewValue) {
 
     panel.samplesReloaded({today("claude-code", 2880000)});
     counter = panel.frame(now.addingSeconds(2)).today.counter;
-    EXPECT_EQ(counter.text, "2,880 M");
-    EXPECT_EQ(counter.number, "2,880");
-    EXPECT_EQ(counter.unit, "M");
+    EXPECT_EQ(counter.number + "|" + *counter.unit, "2,880|M");
     EXPECT_TRUE(counter.animates);
     EXPECT_DOUBLE_EQ(counter.transitionSeconds, 1.2);
 
