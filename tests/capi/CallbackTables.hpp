@@ -49,7 +49,8 @@ inline tw_store_callbacks sqliteStoreTable(SampleStore* store) {
     };
     table.newest_in_slot = [](void* c, const char* day, const char* tool, tw_reply* r) {
         answer(c, r, [&](SampleStore& s) {
-            if (const auto newest = s.newestInSlot(SampleSlot{day, tool})) replyText(r, capi::sampleRecordJson(*newest));
+            if (const auto newest = s.newestInSlot(SampleSlot{day, tool}))
+                replyText(r, capi::sampleRecordJson(*newest));
         });
     };
     table.delete_slot_except = [](void* c, const char* day, const char* tool, const char* keeper, tw_reply* r) {

@@ -11,7 +11,9 @@ namespace {
 
 TEST(PanelSessionApiTest, SamplesAndStatesGoInAndAFrameComesOutAsJson) {
     tw_formatter_callbacks bracketing{};  // every other piece falls back to the engine's own
-    bracketing.upper_cased = [](void*, const char* text, tw_reply* r) { replyText(r, "«" + std::string(text) + "»"); };
+    bracketing.upper_cased = [](void*, const char* text, tw_reply* r) {
+        replyText(r, "«" + std::string(text) + "»");
+    };
     tw_formatter* formatter = tw_formatter_create(bracketing);
     const Date now{800000000};
     tw_panel_session* session = tw_panel_session_create(formatter, {true, false, true}, now.secondsSinceReferenceDate);

@@ -181,11 +181,7 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
     MemorySettingsStore otherSettings;
     UsageImporter other(environment(), opener(), otherSettings, activity);
     EXPECT_EQ(other.runImport().outcome, Outcome::droppedOtherProcess);
-    EXPECT_FALSE(other.isImporting());
     EXPECT_FALSE(other.lastImport());
-    // Its panel takes the tools from the store until one of its own runs finds them.
-    EXPECT_TRUE(other.state().detectedToolsFromStore);
-    EXPECT_FALSE(run->state().detectedToolsFromStore);
 
     release.set_value();
     const auto report = run->finishImport();
@@ -198,26 +194,6 @@ TEST_F(UsageImporterTest, ASecondRequestDuringARunIsDroppedHereAndInAnotherEngin
     EXPECT_EQ(count(Property::isImporting), 2);
     // The folder is free again once the run is over.
     EXPECT_EQ(other.runImport().outcome, Outcome::completed);
-    EXPECT_FALSE(other.state().detectedToolsFromStore);
-    EXPECT_EQ(storedImporterState(otherSettings).lastImport, now);
-}
-
-TEST_F(UsageImporterTest, ACorruptStoreIsReportedTheRunStillCompletesAndTheNextOneWritesOnceItIsGone) {
-    scratch.write("support/store.sqlite", std::string(4096, 'x'));
-    auto run = importer();
-    const ImportRunReport report = run->runImport();
-    EXPECT_EQ(report.outcome, Outcome::completed);
-    ASSERT_TRUE(run->lastError());
-    EXPECT_EQ(run->lastError()->rfind("Store illisible : ", 0), 0u) << *run->lastError();
-    EXPECT_EQ(report.lastError, run->lastError());
-    EXPECT_EQ(report.samplesInserted, 0);
-    EXPECT_EQ(run->lastImport(), now);
-    // The purge failed with the store: it is tried again next time. The logs were read all the same.
-    EXPECT_FALSE(settings.boolValue("usageSamplePurge.v1"));
-    std::filesystem::remove(support / "store.sqlite");
-    const ImportRunReport next = run->runImport();
-    EXPECT_FALSE(run->lastError());
-    EXPECT_EQ((std::vector<int64_t>{next.samplesInserted, next.filesReused}), (std::vector<int64_t>{1, 1}));
 }
 
 TEST_F(UsageImporterTest, ARunClearsTheTemporaryFilesOfKilledWritersOnly) {
