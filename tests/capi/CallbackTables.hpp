@@ -10,61 +10,58 @@
 #include "store/SqliteSampleStore.hpp"
 
 #include <filesystem>
-#include <functional>
 #include <string>
 
 namespace tallowen::testing {
 
+inline void replyText(tw_reply* reply, const std::string& text) { tw_reply_text(reply, text.data(), text.size()); }
+
+// Runs one callback on the store behind `context`, its exception becoming the reply's failure.
 template <typename Body>
-void answer(tw_reply* reply, const Body& body) {
+void answer(void* context, tw_reply* reply, const Body& body) {
     try {
-        body();
+        body(*static_cast<SampleStore*>(context));
     } catch (const std::exception& error) {
         tw_reply_failure(reply, error.what());
     }
 }
 
-inline void replyText(tw_reply* reply, const std::string& text) { tw_reply_text(reply, text.data(), text.size()); }
-
-inline SampleStore& storeOf(void* context) { return *static_cast<SampleStore*>(context); }
-
 inline tw_store_callbacks sqliteStoreTable(SampleStore* store) {
     tw_store_callbacks table{};
     table.context = store;
     table.fetch_all = [](void* c, tw_reply* r) {
-        answer(r, [&] { replyText(r, capi::sampleRecordsJson(storeOf(c).fetchAll())); });
+        answer(c, r, [&](SampleStore& s) { replyText(r, capi::sampleRecordsJson(s.fetchAll())); });
     };
     table.fetch_day = [](void* c, const char* day, tw_reply* r) {
-        answer(r, [&] { replyText(r, capi::sampleRecordsJson(storeOf(c).fetchByDayKey(day))); });
+        answer(c, r, [&](SampleStore& s) { replyText(r, capi::sampleRecordsJson(s.fetchByDayKey(day))); });
     };
     table.insert = [](void* c, const char* json, tw_reply* r) {
-        answer(r, [&] { replyText(r, storeOf(c).insert(capi::parseSampleRecord(json))); });
+        answer(c, r, [&](SampleStore& s) { replyText(r, s.insert(capi::parseSampleRecord(json))); });
     };
     table.update = [](void* c, const char* json, tw_reply* r) {
-        answer(r, [&] { storeOf(c).update(capi::parseSampleRecord(json)); });
+        answer(c, r, [&](SampleStore& s) { s.update(capi::parseSampleRecord(json)); });
     };
-    table.remove = [](void* c, const char* id, tw_reply* r) { answer(r, [&] { storeOf(c).remove(id); }); };
-    table.save = [](void* c, tw_reply* r) { answer(r, [&] { storeOf(c).save(); }); };
-    table.count = [](void* c, tw_reply* r) { answer(r, [&] { tw_reply_integer(r, storeOf(c).count()); }); };
+    table.remove = [](void* c, const char* id, tw_reply* r) { answer(c, r, [&](SampleStore& s) { s.remove(id); }); };
+    table.save = [](void* c, tw_reply* r) { answer(c, r, [&](SampleStore& s) { s.save(); }); };
+    table.count = [](void* c, tw_reply* r) { answer(c, r, [&](SampleStore& s) { tw_reply_integer(r, s.count()); }); };
     table.count_slot = [](void* c, const char* day, const char* tool, tw_reply* r) {
-        answer(r, [&] { tw_reply_integer(r, storeOf(c).count(SampleSlot{day, tool})); });
+        answer(c, r, [&](SampleStore& s) { tw_reply_integer(r, s.count(SampleSlot{day, tool})); });
     };
     table.newest_in_slot = [](void* c, const char* day, const char* tool, tw_reply* r) {
-        answer(r, [&] {
-            if (const auto newest = storeOf(c).newestInSlot(SampleSlot{day, tool}))
+        answer(c, r, [&](SampleStore& s) {
+            if (const auto newest = s.newestInSlot(SampleSlot{day, tool}))
                 replyText(r, capi::sampleRecordJson(*newest));
         });
     };
     table.delete_slot_except = [](void* c, const char* day, const char* tool, const char* keeper, tw_reply* r) {
-        answer(r, [&] { tw_reply_integer(r, storeOf(c).deleteSlotExcept(SampleSlot{day, tool}, keeper)); });
+        answer(c, r, [&](SampleStore& s) { tw_reply_integer(r, s.deleteSlotExcept(SampleSlot{day, tool}, keeper)); });
     };
     table.slot_page = [](void* c, int64_t offset, int64_t limit, tw_reply* r) {
-        answer(r, [&] {
+        answer(c, r, [&](SampleStore& s) {
             std::string json = "[";
-            for (const SampleSlot& slot : storeOf(c).slotPage(offset, limit)) {
-                if (json.size() > 1) json += ",";
-                json += R"({"dayKey":")" + slot.dayKey + R"(","tool":")" + slot.tool + R"("})";
-            }
+            for (const SampleSlot& slot : s.slotPage(offset, limit))
+                json += (json.size() > 1 ? R"(,{"dayKey":")" : R"({"dayKey":")") + slot.dayKey + R"(","tool":")" +
+                        slot.tool + R"("})";
             replyText(r, json + "]");
         });
     };
@@ -76,7 +73,6 @@ inline tw_store_callbacks sqliteStoreTable(SampleStore* store) {
 struct SqliteOpener {
     std::filesystem::path path;
     SqliteSampleStore::Access access = SqliteSampleStore::Access::readWrite;
-    int opened = 0;
     int released = 0;
 
     tw_store_opener table() {
@@ -86,7 +82,6 @@ struct SqliteOpener {
             auto& self = *static_cast<SqliteOpener*>(c);
             try {
                 *store = sqliteStoreTable(new SqliteSampleStore(self.path, self.access));
-                ++self.opened;
                 return true;
             } catch (const std::exception& error) {
                 tw_reply_failure(reply, error.what());
@@ -102,9 +97,7 @@ inline tw_settings_callbacks memorySettingsTable(MemorySettingsStore* settings) 
     tw_settings_callbacks table{};
     table.context = settings;
     table.bool_value = [](void* c, const char* key) { return static_cast<MemorySettingsStore*>(c)->boolValue(key); };
-    table.set_bool = [](void* c, const char* key, bool value) {
-        static_cast<MemorySettingsStore*>(c)->setBool(key, value);
-    };
+    table.set_bool = [](void* c, const char* key, bool on) { static_cast<MemorySettingsStore*>(c)->setBool(key, on); };
     table.date_value = [](void* c, const char* key, double* date) {
         const auto value = static_cast<MemorySettingsStore*>(c)->dateValue(key);
         if (value) *date = value->secondsSinceReferenceDate;

@@ -3,8 +3,6 @@
 #include "support/TempDir.hpp"
 #include "support/UsageHome.hpp"
 
-#include "base/JsonRead.hpp"
-
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -63,15 +61,25 @@ protected:
     std::vector<UsageSample> stored() const { return SqliteSampleStore(opener.path).fetchAll(); }
 };
 
-TEST_F(ImporterApiTest, ARunInStepsWritesThroughTheCallbacksAndASecondOneTouchesNothing) {
+TEST_F(ImporterApiTest, ARunInStepsPurgesAndWritesThroughTheCallbacksAndASecondOneTouchesNothing) {
     ASSERT_NE(importer, nullptr);
     EXPECT_EQ(state(),
               R"({"isImporting":false,"lastImport":null,"lastError":null,"detectedTools":[],"todaySessions":0,)"
               R"("todayTokens":0,"todayCostCents":0,"purgeProgress":null})");
-    EXPECT_EQ(runOnThreads(), R"({"samplesInserted":5,"samplesUpdated":0,"samplesUnchanged":0,)"
-                              R"("duplicatesRemoved":0,"filesRead":4,"filesReused":0,"lastError":null})");
+    std::filesystem::create_directories(opener.path.parent_path());
+    {
+        SqliteSampleStore store(opener.path);
+        for (int copy = 0; copy < 8; ++copy) store.insert(slotSample("2025-03-14", "codex", Date{100.0 + copy}, copy));
+        for (int copy = 0; copy < 2; ++copy) store.insert(slotSample("2025-02-01", "phone-claude", Date{50.0 + copy}));
+        store.save();
+    }
+    // The purge takes the run's seven extra codex records, the writer the phone's extra one.
+    std::vector<double> progress;
+    EXPECT_EQ(runOnThreads(&progress), R"({"samplesInserted":4,"samplesUpdated":1,"samplesUnchanged":0,)"
+                                       R"("duplicatesRemoved":8,"filesRead":4,"filesReused":0,"lastError":null})");
+    EXPECT_EQ(progress.back(), 1.0);
     EXPECT_NE(state().find(R"("detectedTools":["claude-code","codex","cursor"])"), std::string::npos) << state();
-    EXPECT_EQ(stored().size(), 5u);
+    EXPECT_EQ(stored().size(), 5u + 1u);  // the run's five slots and the phone's one
     EXPECT_TRUE(settingsValues.boolValue("usageSamplePurge.v1"));
     EXPECT_TRUE(settingsValues.dateValue("lastImportDate"));
 
@@ -95,32 +103,11 @@ TEST_F(ImporterApiTest, ARequestDuringARunIsDroppedAndAnAbandonedPurgeIsDueAgain
     EXPECT_FALSE(settingsValues.boolValue("usageSamplePurge.v1"));
 }
 
-TEST_F(ImporterApiTest, ThePurgeRemovesGeneratedDuplicatesThroughTheCallbacks) {
-    std::filesystem::create_directories(opener.path.parent_path());
-    {
-        SqliteSampleStore store(opener.path);
-        for (int copy = 0; copy < 8; ++copy) store.insert(slotSample("2025-03-14", "codex", Date{100.0 + copy}, copy));
-        for (int copy = 0; copy < 2; ++copy) store.insert(slotSample("2025-02-01", "phone-claude", Date{50.0 + copy}));
-        store.save();
-    }
-    // The purge takes the run's seven extra codex records, the writer the phone's extra one.
-    std::vector<double> progress;
-    const std::string report = runOnThreads(&progress);
-    EXPECT_NE(report.find(R"("duplicatesRemoved":8)"), std::string::npos) << report;
-    EXPECT_FALSE(progress.empty());
-    EXPECT_EQ(progress.back(), 1.0);
-    EXPECT_EQ(stored().size(), 5u + 1u);  // the run's five slots and the phone's one
-    EXPECT_TRUE(settingsValues.boolValue("usageSamplePurge.v1"));
-}
-
 TEST_F(ImporterApiTest, AStoreThatCannotOpenIsReportedWithItsDescription) {
     std::filesystem::create_directories(opener.path);  // a folder where the file should be
     const std::string report = runOnThreads();
-    simdjson::dom::parser parser;
-    const auto lastError = json::stringMember(parser.parse(report), "lastError");
-    ASSERT_TRUE(lastError);
-    EXPECT_EQ(lastError->rfind("Store illisible : ", 0), 0u) << *lastError;
-    EXPECT_GT(lastError->size(), std::string("Store illisible : ").size());
+    EXPECT_NE(report.find(R"("lastError":"Store illisible : unable to open database file")"), std::string::npos)
+        << report;
     EXPECT_FALSE(settingsValues.boolValue("usageSamplePurge.v1"));
 }
 

@@ -1,4 +1,3 @@
-#include "IcuLocaleFormatter.hpp"
 #include "capi/CallbackTables.hpp"
 
 #include "base/JsonRead.hpp"
@@ -10,38 +9,12 @@
 namespace tallowen::testing {
 namespace {
 
-// The ICU formatter behind the C table, as the Mac app puts Foundation's there.
-tw_formatter_callbacks icuTable(const IcuLocaleFormatter* locale) {
-    tw_formatter_callbacks table{};
-    table.context = const_cast<IcuLocaleFormatter*>(locale);
-    table.decimal_separator = [](void* c, tw_reply* r) {
-        replyText(r, static_cast<IcuLocaleFormatter*>(c)->decimalSeparator());
-    };
-    table.decimal = [](void* c, double value, int32_t digits, tw_reply* r) {
-        replyText(r, static_cast<IcuLocaleFormatter*>(c)->decimal(value, digits));
-    };
-    table.grouped_integer = [](void* c, int64_t value, tw_reply* r) {
-        replyText(r, static_cast<IcuLocaleFormatter*>(c)->groupedInteger(value));
-    };
-    table.us_dollars = [](void* c, double value, int32_t digits, tw_reply* r) {
-        replyText(r, static_cast<IcuLocaleFormatter*>(c)->usDollars(value, digits));
-    };
-    table.time_ago = [](void* c, int64_t count, tw_time_unit unit, tw_reply* r) {
-        replyText(r, static_cast<IcuLocaleFormatter*>(c)->timeAgo(
-                         RelativeTime{count, static_cast<RelativeTimeUnit>(unit)}));
-    };
-    table.short_time = [](void* c, double date, tw_reply* r) {
-        replyText(r, static_cast<IcuLocaleFormatter*>(c)->shortTime(Date{date}));
-    };
-    table.upper_cased = [](void* c, const char* text, tw_reply* r) {
-        replyText(r, static_cast<IcuLocaleFormatter*>(c)->upperCased(text));
-    };
-    return table;
-}
-
 TEST(PanelSessionApiTest, SamplesAndStatesGoInAndAFrameComesOutAsJson) {
-    const IcuLocaleFormatter french("fr_FR");
-    tw_formatter* formatter = tw_formatter_create(icuTable(&french));
+    tw_formatter_callbacks bracketing{};  // every other piece falls back to the engine's own
+    bracketing.upper_cased = [](void*, const char* text, tw_reply* r) {
+        replyText(r, "«" + std::string(text) + "»");
+    };
+    tw_formatter* formatter = tw_formatter_create(bracketing);
     const Date now{800000000};
     tw_panel_session* session = tw_panel_session_create(formatter, {true, false, true}, now.secondsSinceReferenceDate);
     tw_formatter_free(formatter);  // the session keeps it
@@ -68,7 +41,7 @@ TEST(PanelSessionApiTest, SamplesAndStatesGoInAndAFrameComesOutAsJson) {
     EXPECT_EQ(*json::stringMember(*json::objectMember(frame, "footer"), "developmentBadge"), "DEVELOPMENT");
     simdjson::dom::element block;
     ASSERT_EQ(json::objectMember(frame, "quotas")->at_key("blocks").at(0).get(block), simdjson::SUCCESS);
-    EXPECT_EQ(*json::stringMember(block, "plan"), "PLUS");
+    EXPECT_EQ(*json::stringMember(block, "plan"), "«plus»");
     EXPECT_GE(tw_panel_session_next_frame_date(session, now.secondsSinceReferenceDate + 60),
               now.secondsSinceReferenceDate + 60);
     tw_panel_session_free(session);

@@ -22,16 +22,10 @@ DayUsage dayUsage(int64_t requests, std::optional<QuotaSnapshot> quota = {}) {
     return DayUsage{{"a#0", "b#0"}, requests, 100, 10, {9, 14}, 5, 2, std::move(quota)};
 }
 
-// A stored sample holding exactly what `dayUsage(requests)` gives.
-UsageSample storedDay(const std::string& dayKey, const std::string& tool, Date updatedAt, int64_t requests) {
-    UsageSample sample = slotSample(dayKey, tool, updatedAt, requests);
-    sample.sessions = 2;
-    sample.inputTokens = 100;
-    sample.outputTokens = 10;
-    sample.episodeHours = {9, 14};
-    sample.estimatedCostCents = 5;
-    sample.estimatedWaterMilliliters = 2;
-    return sample;
+// A stored sample holding exactly what `dayUsage(requests)` gives, with a whole quota when asked.
+UsageSample storedDay(std::string dayKey, std::string tool, Date updatedAt, int64_t requests, bool quota = false) {
+    if (!quota) return {dayKey, tool, 2, requests, 100, 10, {9, 14}, 5, 2, {}, {}, {}, {}, {}, updatedAt, {}};
+    return {dayKey, tool, 2, requests, 100, 10, {9, 14}, 5, 2, 10.0, Date{1}, 20.0, Date{2}, "pro", updatedAt, {}};
 }
 
 // Inserted, updated, unchanged, duplicates removed.
@@ -39,66 +33,51 @@ std::array<int64_t, 4> counts(const SampleWriteOutcome& outcome) {
     return {outcome.inserted, outcome.updated, outcome.unchanged, outcome.duplicatesRemoved};
 }
 
-UsageSample withQuota(UsageSample sample) {
-    sample.quotaPrimaryPercent = 10;
-    sample.quotaPrimaryResetAt = Date{1};
-    sample.quotaSecondaryPercent = 20;
-    sample.quotaSecondaryResetAt = Date{2};
-    sample.quotaPlan = "pro";
-    return sample;
-}
-
 TEST(SampleWriterTest, WritesOnlyChangedDaysAndKeepsOneSamplePerKey) {
     testing::TempDir dir;
     const auto path = dir.path() / SqliteSampleStore::fileName;
+    SqliteSampleStore store(path);
     std::vector<UsageSample> phone;
-    {
-        SqliteSampleStore store(path);
-        for (int day = 1; day <= 8; ++day) {  // UsageSample/p1 to p8
-            phone.push_back(slotSample("2025-01-0" + std::to_string(day), "phone-gemini", stamped, day));
-            phone.back().persistentId = store.insert(phone.back());
-        }
-        store.insert(storedDay("2025-03-15", "codex", stamped, 99));  // p9 loses to p10 by identifier text
-        store.insert(storedDay("2025-03-15", "codex", stamped, 5));   // p10, unchanged
-        store.insert(storedDay("2025-03-14", "codex", Date{1}, 4));   // p11 loses by age
-        store.insert(storedDay("2025-03-14", "codex", stamped, 3));   // p12, updated
-        store.insert(withQuota(storedDay("2025-03-14", "cursor", stamped, 1)));  // p13, quota rewritten
-        store.insert(withQuota(storedDay("2025-03-13", "cursor", stamped, 1)));  // p14, quota kept
-        store.save();
+    for (int day = 1; day <= 8; ++day) {  // UsageSample/p1 to p8
+        phone.push_back(slotSample("2025-01-0" + std::to_string(day), "phone-gemini", stamped, day));
+        phone.back().persistentId = store.insert(phone.back());
     }
+    store.insert(storedDay("2025-03-15", "codex", stamped, 99));        // p9 loses to p10 by identifier text
+    store.insert(storedDay("2025-03-15", "codex", stamped, 5));         // p10, unchanged
+    store.insert(storedDay("2025-03-14", "codex", Date{1}, 4));         // p11 loses by age
+    store.insert(storedDay("2025-03-14", "codex", stamped, 3));         // p12, updated
+    store.insert(storedDay("2025-03-14", "cursor", stamped, 1, true));  // p13, quota rewritten
+    store.insert(storedDay("2025-03-13", "cursor", stamped, 1, true));  // p14, quota kept
+    store.save();
     const QuotaSnapshot primaryOnly{Date{3}, 50.0, Date{4}, {}, {}, {}};
     const ToolResults results = {
         {UsageTool::claudeCode, {{"2025-03-14", dayUsage(7)}}},
         {UsageTool::codex, {{"2025-03-14", dayUsage(4)}, {"2025-03-15", dayUsage(5)}}},
         {UsageTool::cursor, {{"2025-03-13", dayUsage(2)}, {"2025-03-14", dayUsage(1, primaryOnly)}}},
     };
-    {
-        SqliteSampleStore store(path);
-        const auto outcome = writeSamples(store, results, now);
-        EXPECT_FALSE(outcome.error);
-        EXPECT_EQ(counts(outcome), (std::array<int64_t, 4>{1, 3, 1, 2}));
-    }
+    const auto outcome = writeSamples(store, results, now);
+    EXPECT_FALSE(outcome.error);
+    EXPECT_EQ(counts(outcome), (std::array<int64_t, 4>{1, 3, 1, 2}));
     const auto samples = SqliteSampleStore(path).fetchAll();
     ASSERT_EQ(samples.size(), 13u);
-    for (const auto& original : phone) EXPECT_EQ(storedFields(withId(samples, original.persistentId)), storedFields(original));
+    for (const auto& original : phone)
+        EXPECT_EQ(storedFields(withId(samples, original.persistentId)), storedFields(original));
     EXPECT_EQ(withId(samples, "UsageSample/p10").updatedAt, stamped);
     EXPECT_EQ(withId(samples, "UsageSample/p12").requests, 4);
     EXPECT_EQ(withId(samples, "UsageSample/p12").updatedAt, now);
 
     UsageSample rewritten = storedDay("2025-03-14", "cursor", now, 1);
-    rewritten.quotaPrimaryPercent = 50.0;
-    rewritten.quotaPrimaryResetAt = Date{4};
+    std::tie(rewritten.quotaPrimaryPercent, rewritten.quotaPrimaryResetAt) = std::tuple(50.0, Date{4});
     EXPECT_EQ(storedFields(withId(samples, "UsageSample/p13")), storedFields(rewritten));
     EXPECT_EQ(storedFields(withId(samples, "UsageSample/p14")),
-              storedFields(withQuota(storedDay("2025-03-13", "cursor", now, 2))));
+              storedFields(storedDay("2025-03-13", "cursor", now, 2, true)));
     EXPECT_EQ(storedFields(withId(samples, "UsageSample/p15")),
               storedFields(storedDay("2025-03-14", "claude-code", now, 7)));
 
     // The same results again change nothing, not even `updatedAt`.
-    SqliteSampleStore store(path);
     const auto again = writeSamples(store, results, Date{now.secondsSinceReferenceDate + 60});
     EXPECT_EQ(counts(again), (std::array<int64_t, 4>{0, 0, 5, 0}));
-    const auto after = store.fetchAll();
+    const auto after = SqliteSampleStore(path).fetchAll();
     ASSERT_EQ(after.size(), samples.size());
     for (size_t i = 0; i < after.size(); ++i) EXPECT_EQ(storedFields(after[i]), storedFields(samples[i]));
 }
@@ -106,7 +85,6 @@ TEST(SampleWriterTest, WritesOnlyChangedDaysAndKeepsOneSamplePerKey) {
 TEST(SampleWriterTest, StoreFailuresBecomeTheErrorAndWriteNothing) {
     testing::TempDir dir;
     const ToolResults results = {{UsageTool::codex, {{"2025-03-14", dayUsage(4)}}}};
-
     SqliteSampleStore corrupt(dir.write("corrupt.sqlite", std::string(1024, 'z')));
     const auto unreadable = writeSamples(corrupt, results, now);
     EXPECT_EQ(unreadable.error, "Store illisible : file is not a database");
