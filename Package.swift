@@ -27,7 +27,7 @@ var targets: [Target] = [
     .systemLibrary(
         name: "CSimdjson", path: "mac/Sources/CSimdjson", pkgConfig: "simdjson",
         providers: [.apt(["libsimdjson-dev"]), .brew(["simdjson"])]),
-    // Every engine folder; the terminal (cli/) and its ICU formatter stay out.
+    // Every engine folder; the terminal (cli/) and the ICU formatter (icu/) stay out.
     .target(
         name: "TallowenEngine",
         dependencies: ["CSQLite", "CSimdjson"],
