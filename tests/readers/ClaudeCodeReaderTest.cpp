@@ -35,59 +35,40 @@ const UsageEvent fullSonnet{loggedAt, 9200, 2000, 11, 329};
 // Opus: 5×1200 + 6.25×8000 + 0.5×150000 + 25×2000 = 181000 → 18.099999999999998 → 18 cents.
 const UsageEvent fullOpus{loggedAt, 9200, 2000, 18, 329};
 // Output 40000 at Opus prices: 100 cents, 4500 ml.
-const UsageEvent outputOnly{loggedAt, 0, 40000, 100, 4500};
+const UsageEvent outputOnly{loggedAt, 0, 40000, 100, 4500}, nothingCounted{loggedAt, 0, 0, 0, 0};
+constexpr std::optional<UsageEvent> none;
+
+// An assistant record at loggedAt whose remaining members are `rest`.
+std::string record(std::string_view rest) {
+    return R"({"type":"assistant","timestamp":"2025-01-31T09:15:02Z",)" + std::string(rest) + "}";
+}
 
 TEST(ClaudeCodeReaderTest, OneLine) {
-    const struct {
-        const char* why;
-        std::string line;
-        std::optional<UsageEvent> expected;
-    } cases[] = {
-        {"full usage", reply(), fullSonnet},
-        {"priced by its model", reply(fullUsage, opus), fullOpus},
-        {"no model: the catch-all price", reply(fullUsage, ""), fullOpus},
-        {"a model that is no string", reply(fullUsage, R"("model":5,)"), fullOpus},
-        // 10 + 5 = 15 in; 631.25 $/M → 0 cents; 0.39375 → 0 ml.
-        {"cache reads stay out of the input",
-         reply(R"({"input_tokens":10,"cache_creation_input_tokens":5,"cache_read_input_tokens":1000,"output_tokens":2})"),
+    const std::pair<std::string, std::optional<UsageEvent>> cases[] = {
+        {reply(), fullSonnet}, {reply(fullUsage, opus), fullOpus},
+        {reply(fullUsage, ""), fullOpus}, {reply(fullUsage, R"("model":5,)"), fullOpus},  // the catch-all price
+        // Cache reads stay out of the input: 10 + 5 = 15 in; 631.25 $/M → 0 cents; 0.39375 → 0 ml.
+        {reply(R"({"input_tokens":10,"cache_creation_input_tokens":5,"cache_read_input_tokens":1000,"output_tokens":2})"),
          UsageEvent{loggedAt, 15, 2, 0, 0}},
-        {"usage without token fields", reply("{}"), UsageEvent{loggedAt, 0, 0, 0, 0}},
-        {"tokens that are not integers count as 0",
-         reply(R"({"input_tokens":12.5,"cache_creation_input_tokens":"12","cache_read_input_tokens":true,)"
-               R"("output_tokens":40000})", opus),
-         outputOnly},
-        {"integers with a fraction, null or an exponent count as 0",
-         reply(R"({"input_tokens":12.0,"cache_creation_input_tokens":null,"output_tokens":1e3})"),
-         UsageEvent{loggedAt, 0, 0, 0, 0}},
-        {"fractional seconds", reply(fullUsage, sonnet, "2025-01-31T09:15:02.123Z"),
-         UsageEvent{Date{760007702.0 + 0.123}, 9200, 2000, 11, 329}},
-        {"a zone offset", reply(fullUsage, sonnet, "2025-01-31T10:15:02+01:00"), fullSonnet},
-        {"a timestamp without zone", reply(fullUsage, sonnet, "2025-01-31 09:15:02"), std::nullopt},
-        {"blanks after colons elsewhere",
-         R"({"type":"assistant", "timestamp": "2025-01-31T09:15:02Z", "message": {"model": "claude-sonnet-4-5", )"
+        // Tokens that are not integers written as integers count as 0.
+        {reply(R"({"input_tokens":12.5,"cache_creation_input_tokens":"12","cache_read_input_tokens":true,)"
+               R"("output_tokens":40000})", opus), outputOnly},
+        {reply(R"({"input_tokens":12.0,"cache_creation_input_tokens":null,"output_tokens":1e3})"), nothingCounted},
+        {reply("{}"), nothingCounted}, {reply("null"), none},
+        {reply(fullUsage, sonnet, "2025-01-31T09:15:02.123Z"), UsageEvent{Date{760007702.123}, 9200, 2000, 11, 329}},
+        {reply(fullUsage, sonnet, "2025-01-31 09:15:02"), none},
+        // Only the bytes "type":"assistant" and "usage" decide the kind, wherever they are.
+        {R"({"type":"assistant", "timestamp": "2025-01-31T09:15:02Z", "message": {"model": "claude-sonnet-4-5", )"
          R"("usage": {"input_tokens": 1200, "cache_creation_input_tokens": 8000, "cache_read_input_tokens": 150000, )"
-         R"("output_tokens": 2000}}})",
-         fullSonnet},
-        {"a blank after the type key's colon",
-         R"({"type": "assistant","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":5}}})",
-         std::nullopt},
-        {"no usage key", R"({"type":"assistant","timestamp":"2025-01-31T09:15:02Z","message":{"content":[]}})",
-         std::nullopt},
-        {"only the byte test decides the kind",
-         R"({"type":"user","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":40000},)"
-         R"("content":[{"type":"assistant"}]}})",
-         outputOnly},
-        {"usage outside the message",
-         R"({"type":"assistant","timestamp":"2025-01-31T09:15:02Z","usage":{"output_tokens":5}})", std::nullopt},
-        {"a message that is no object",
-         R"({"type":"assistant","timestamp":"2025-01-31T09:15:02Z","message":"usage","x":{"usage":{}}})", std::nullopt},
-        {"usage that is null", reply("null"), std::nullopt},
-        {"a top level array", "[" + reply() + "]", std::nullopt},
-        {"a line cut short", reply().substr(0, 150), std::nullopt},
-        {"a line of 40 bytes with both markers", R"({"type":"assistant","usage":{},"a":"12"})", std::nullopt},
-        // Haiku 4.5: 1×8 + 1.25×4000 + 0.1×90000 + 5×600 = 17008 $/M → 2 cents; 112.59 → 113 ml.
-        {"a line as Claude Code writes it",
-         R"({"parentUuid":"6f1c","isSidechain":false,"cwd":"/home/dev/app","sessionId":"a1b2","version":"2.0.14",)"
+         R"("output_tokens": 2000}}})", fullSonnet},
+        {R"({"type": "assistant","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":5}}})", none},
+        {R"({"type":"user","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":40000},)"
+         R"("content":[{"type":"assistant"}]}})", outputOnly},
+        {record(R"("message":{"content":[]})"), none}, {record(R"("usage":{"output_tokens":5})"), none},
+        {record(R"("message":"usage","x":{"usage":{}})"), none}, {"[" + reply() + "]", none},
+        {reply().substr(0, 150), none}, {R"({"type":"assistant","usage":{},"a":"12"})", none},  // 40 bytes
+        // As Claude Code writes it, Haiku 4.5: 1×8 + 1.25×4000 + 0.1×90000 + 5×600 = 17008 $/M → 2 cents; 113 ml.
+        {R"({"parentUuid":"6f1c","isSidechain":false,"cwd":"/home/dev/app","sessionId":"a1b2","version":"2.0.14",)"
          R"("message":{"id":"msg_01X","type":"message","role":"assistant","model":"claude-haiku-4-5-20251001",)"
          R"("content":[{"type":"tool_use","id":"toolu_01","name":"Read","input":{"file_path":"/a/main.swift"}}],)"
          R"("stop_reason":null,"usage":{"input_tokens":8,"cache_creation_input_tokens":4000,)"
@@ -95,11 +76,10 @@ TEST(ClaudeCodeReaderTest, OneLine) {
          R"("service_tier":"standard"}},"requestId":"req_011","type":"assistant","timestamp":"2025-01-31T09:15:02.000Z"})",
          UsageEvent{loggedAt, 4008, 600, 2, 113}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [line, expected] : cases) {
         std::vector<UsageEvent> events;
-        ClaudeCodeReader().parseLine(c.line, events);
-        EXPECT_EQ(events, c.expected ? std::vector<UsageEvent>{*c.expected} : std::vector<UsageEvent>{});
+        ClaudeCodeReader().parseLine(line, events);
+        EXPECT_EQ(events, expected ? std::vector<UsageEvent>{*expected} : std::vector<UsageEvent>{}) << line;
     }
 }
 

@@ -60,43 +60,28 @@ TEST(CodexReaderTest, ThreadSettingsChooseThePriceOfLaterRecords) {
 }
 
 TEST(CodexReaderTest, OneTokenCountLine) {
-    const struct {
-        const char* why;
-        std::string line;
-        std::optional<UsageEvent> expected;
-    } cases[] = {
-        // 3290.0000000000005 $/M → 0 cents; (0.1 × 200 + 100) × 0.1125 = 13.5 → 14 ml; the input keeps cached tokens.
-        {"cached tokens inside the input", tokenCount(usage("1000", "800", "100")), UsageEvent{loggedAt, 1000, 100, 0, 14}},
+    const std::string stamped = R"({"timestamp":"2025-01-31T09:15:02Z",)";
+    constexpr std::optional<UsageEvent> none;
+    const std::pair<std::string, std::optional<UsageEvent>> cases[] = {
+        // The input keeps its cached tokens: 3290.0000000000005 $/M → 0 cents; (0.1 × 200 + 100) × 0.1125 → 14 ml.
+        {tokenCount(usage("1000", "800", "100")), UsageEvent{loggedAt, 1000, 100, 0, 14}},
         // Water weight floored at 0: 10 × 0.1125 = 1.125 → 1 ml (a negative weight would give -3).
-        {"more cached than input", tokenCount(usage("100", "500", "10")), UsageEvent{loggedAt, 100, 10, 0, 1}},
-        {"one output token is a request", tokenCount(usage("0", "0", "1")), UsageEvent{loggedAt, 0, 1, 0, 0}},
-        {"no tokens is no request", tokenCount(usage("0", "0", "0")), std::nullopt},
-        {"tokens that are not integers", tokenCount(usage("12.5", "true", R"("7")")), std::nullopt},
-        {"info that is null", tokenCount("null"), std::nullopt},
-        {"info without the last request", tokenCount(R"({"total_token_usage":{"input_tokens":5}})"), std::nullopt},
-        {"blanks after colons",
-         R"({"timestamp": "2025-01-31T09:15:02Z", "payload": {"type": "token_count", "info": )" + large + "}}", atDefault},
-        {"a carriage return at the end", tokenCount(large) + "\r", atDefault},
-        {"a timestamp without T", tokenCount(large, "null", "2025-01-31 09:15:02Z"), std::nullopt},
-        {"no timestamp", R"({"payload":{"type":"token_count","info":)" + large + "}}", std::nullopt},
-        {"a payload that is no object",
-         R"({"timestamp":"2025-01-31T09:15:02Z","type":"token_count","payload":[)" + large + "]}", std::nullopt},
-        {"the kind with its quotes only",
-         R"({"timestamp":"2025-01-31T09:15:02Z","payload":{"type":"token_count_delta","info":)" + large + "}}",
-         std::nullopt},
-        {"a top level array", "[" + tokenCount(large) + "]", std::nullopt},
-        {"invalid UTF-8", tokenCount(large, "\"\xc3\x28\""), std::nullopt},
-        {"a user message naming the kind",
-         R"({"timestamp":"2025-01-31T09:15:02Z","type":"response_item","payload":{"type":"message","role":"user",)"
-         R"("content":[{"type":"input_text","text":"count my token_count"}]}})",
-         std::nullopt},
+        {tokenCount(usage("100", "500", "10")), UsageEvent{loggedAt, 100, 10, 0, 1}},
+        {tokenCount(usage("0", "0", "1")), UsageEvent{loggedAt, 0, 1, 0, 0}}, {tokenCount(usage("0", "0", "0")), none},
+        {tokenCount(usage("12.5", "true", R"("7")")), none}, {tokenCount("null"), none},
+        {tokenCount(R"({"total_token_usage":{"input_tokens":5}})"), none},
+        {R"({"timestamp": "2025-01-31T09:15:02Z", "payload": {"type": "token_count", "info": )" + large + "}}", atDefault},
+        {tokenCount(large) + "\r", atDefault}, {tokenCount(large, "null", "2025-01-31 09:15:02Z"), none},
+        {R"({"payload":{"type":"token_count","info":)" + large + "}}", none},
+        {stamped + R"("type":"token_count","payload":[)" + large + "]}", none},
+        {stamped + R"("payload":{"type":"token_count_delta","info":)" + large + "}}", none},
+        {"[" + tokenCount(large) + "]", none}, {tokenCount(large, "\"\xc3\x28\""), none},  // invalid UTF-8
+        {stamped + R"("type":"response_item","payload":{"type":"message","text":"count my token_count"}})", none},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [line, expected] : cases) {
         CodexFileState state;
-        CodexReader().parseLine(c.line, state);
-        EXPECT_EQ(state.events, c.expected ? std::vector<UsageEvent>{*c.expected} : std::vector<UsageEvent>{});
-        EXPECT_FALSE(state.model);
+        CodexReader().parseLine(line, state);
+        EXPECT_EQ(state.events, expected ? std::vector<UsageEvent>{*expected} : std::vector<UsageEvent>{}) << line;
     }
 }
 
