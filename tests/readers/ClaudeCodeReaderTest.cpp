@@ -48,7 +48,8 @@ TEST(ClaudeCodeReaderTest, OneLine) {
         {reply(), fullSonnet}, {reply(fullUsage, opus), fullOpus},
         {reply(fullUsage, ""), fullOpus}, {reply(fullUsage, R"("model":5,)"), fullOpus},  // the catch-all price
         // Cache reads stay out of the input: 10 + 5 = 15 in; 631.25 $/M → 0 cents; 0.39375 → 0 ml.
-        {reply(R"({"input_tokens":10,"cache_creation_input_tokens":5,"cache_read_input_tokens":1000,"output_tokens":2})"),
+        {reply(R"({"input_tokens":10,"cache_creation_input_tokens":5,"cache_read_input_tokens":1000,)"
+               R"("output_tokens":2})"),
          UsageEvent{loggedAt, 15, 2, 0, 0}},
         // Tokens that are not integers written as integers count as 0.
         {reply(R"({"input_tokens":12.5,"cache_creation_input_tokens":"12","cache_read_input_tokens":true,)"
@@ -73,7 +74,8 @@ TEST(ClaudeCodeReaderTest, OneLine) {
          R"("content":[{"type":"tool_use","id":"toolu_01","name":"Read","input":{"file_path":"/a/main.swift"}}],)"
          R"("stop_reason":null,"usage":{"input_tokens":8,"cache_creation_input_tokens":4000,)"
          R"("cache_read_input_tokens":90000,"cache_creation":{"ephemeral_5m_input_tokens":4000},"output_tokens":600,)"
-         R"("service_tier":"standard"}},"requestId":"req_011","type":"assistant","timestamp":"2025-01-31T09:15:02.000Z"})",
+         R"("service_tier":"standard"}},"requestId":"req_011","type":"assistant",)"
+         R"("timestamp":"2025-01-31T09:15:02.000Z"})",
          UsageEvent{loggedAt, 4008, 600, 2, 113}},
     };
     for (const auto& [line, expected] : cases) {

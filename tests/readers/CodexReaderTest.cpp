@@ -19,14 +19,16 @@ std::string settings(std::string_view model) {
 
 // The running totals beside the last request's usage are never read.
 std::string usage(std::string_view input, std::string_view cached, std::string_view output) {
-    return R"({"total_token_usage":{"input_tokens":99999999,"output_tokens":99999999},"last_token_usage":{"input_tokens":)" +
+    return R"({"total_token_usage":{"input_tokens":99999999,"output_tokens":99999999},)"
+           R"("last_token_usage":{"input_tokens":)" +
            std::string(input) + R"(,"cached_input_tokens":)" + std::string(cached) + R"(,"output_tokens":)" +
            std::string(output) + "}}";
 }
 
 std::string tokenCount(std::string_view info, std::string_view limits = "null",
                        std::string_view timestamp = "2025-01-31T09:15:02Z") {
-    return R"({"timestamp":")" + std::string(timestamp) + R"(","type":"event_msg","payload":{"type":"token_count","info":)" +
+    return R"({"timestamp":")" + std::string(timestamp) +
+           R"(","type":"event_msg","payload":{"type":"token_count","info":)" +
            std::string(info) + R"(,"rate_limits":)" + std::string(limits) + "}}";
 }
 
@@ -70,7 +72,8 @@ TEST(CodexReaderTest, OneTokenCountLine) {
         {tokenCount(usage("0", "0", "1")), UsageEvent{loggedAt, 0, 1, 0, 0}}, {tokenCount(usage("0", "0", "0")), none},
         {tokenCount(usage("12.5", "true", R"("7")")), none}, {tokenCount("null"), none},
         {tokenCount(R"({"total_token_usage":{"input_tokens":5}})"), none},
-        {R"({"timestamp": "2025-01-31T09:15:02Z", "payload": {"type": "token_count", "info": )" + large + "}}", atDefault},
+        {R"({"timestamp": "2025-01-31T09:15:02Z", "payload": {"type": "token_count", "info": )" + large + "}}",
+         atDefault},
         {tokenCount(large) + "\r", atDefault}, {tokenCount(large, "null", "2025-01-31 09:15:02Z"), none},
         {R"({"payload":{"type":"token_count","info":)" + large + "}}", none},
         {stamped + R"("type":"token_count","payload":[)" + large + "]}", none},
@@ -103,9 +106,8 @@ TEST(CodexReaderTest, LatestRateLimitSnapshotWins) {
     reader.parseLine(tokenCount("null", other, "2025-01-31T10:00:00"), state);
     EXPECT_EQ(state.quota, expected);
     // Strictly later replaces; values of the wrong type are absent.
-    reader.parseLine(tokenCount(large, R"({"primary":{"used_percent":"7","resets_at":"soon"},"secondary":[],"plan_type":3})",
-                                "2025-01-31T09:15:03Z"),
-                     state);
+    const std::string wrongTypes = R"({"primary":{"used_percent":"7","resets_at":"x"},"secondary":[],"plan_type":3})";
+    reader.parseLine(tokenCount(large, wrongTypes, "2025-01-31T09:15:03Z"), state);
     EXPECT_EQ(state.quota, (QuotaSnapshot{Date{760007703.0}, {}, {}, {}, {}, {}}));
     EXPECT_EQ(state.events.size(), 2u);
 }

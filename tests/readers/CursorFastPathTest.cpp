@@ -43,7 +43,8 @@ public:
         };
         for (int conversation = 0; conversation < 12; ++conversation) {
             // The last identifier starts with é: substr counts characters, not bytes.
-            const std::string id = conversation == 11 ? "\xc3\xa9" + std::string(34, 'l') : std::string(36, char('a' + conversation));
+            const std::string id =
+                conversation == 11 ? "\xc3\xa9" + std::string(34, 'l') : std::string(36, char('a' + conversation));
             const long long createdAt = 1741950000000LL + number(-3, 3) * 43200000LL;
             insert(text("composerData:" + id),
                    chance(25) ? tricky("createdAt") : text(R"({"createdAt":)" + std::to_string(createdAt) + "}"));
@@ -55,10 +56,10 @@ public:
                                          std::to_string(number(-2, 900)) + "}}"));
         }
         // Keys of other shapes: in capitals, too short, stored as a blob.
-        if (chance(4)) insert(text("BUBBLEID:" + std::string(36, 'b') + ":x"), text(R"({"tokenCount":{"inputTokens":7}})"));
-        if (chance(4)) insert(text("bubbleId:"), text(R"({"tokenCount":{"outputTokens":1}})"));
-        if (chance(6))
-            insert("CAST('bubbleId:" + std::string(36, 'c') + ":b' AS BLOB)", text(R"({"tokenCount":{"inputTokens":1}})"));
+        const std::string tokens = text(R"({"tokenCount":{"inputTokens":7,"outputTokens":1}})");
+        if (chance(4)) insert(text("BUBBLEID:" + std::string(36, 'b') + ":x"), tokens);
+        if (chance(4)) insert(text("bubbleId:"), tokens);
+        if (chance(6)) insert("CAST('bubbleId:" + std::string(36, 'c') + ":b' AS BLOB)", tokens);
         if (chance(6)) insert(text("composerData:" + std::string(36, 'd')), text(R"({"createdAt":1}")"));
         status = sqlite3_exec(database_, (sql + "COMMIT;").c_str(), nullptr, nullptr, nullptr);
     }

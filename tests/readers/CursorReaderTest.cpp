@@ -72,7 +72,8 @@ protected:
 TEST_F(CursorReaderTest, BooksEachConversationOnItsCreationDayEvenUnderAPathWithUriCharacters) {
     const fs::path weirdHome = home.path() / "we?ird #home %20";
     const auto ms = [](Date date) { return static_cast<long long>(date.unixSeconds() * 1000.0); };
-    const long long lateOn14th = ms(testing::localDate(2025, 3, 14, 23, 59)), on15th = ms(testing::localDate(2025, 3, 15, 9));
+    const long long lateOn14th = ms(testing::localDate(2025, 3, 14, 23, 59));
+    const long long on15th = ms(testing::localDate(2025, 3, 15, 9));
     const std::string a(36, 'a'), b(36, 'b'), c(36, 'c'), d(36, 'd'), e(36, 'e'), f(36, 'f');
     testing::writeCursorDatabase(weirdHome / macPlace, {
         // a: messages on either side of midnight all go to its creation day; b: input only is no request.
@@ -112,9 +113,10 @@ TEST_F(CursorReaderTest, FindsTheMacPlaceFirstThenTheLinuxOneAndABrokenDatabaseG
     // No Cursor table; one message whose value is not JSON fails the grouped query as a whole.
     execute(home.path() / "other.db", "CREATE TABLE t (x)");
     EXPECT_EQ(readCursorDatabase(home.path() / "other.db", LocalCalendar{}), DayMap{});
-    testing::writeCursorDatabase(home.path() / "bad.db", {{"composerData:" + conversation, cursorCreatedAt(1741950000000)},
-                                                          {"bubbleId:" + conversation + ":1", cursorTokenCount(10, 10)},
-                                                          {"bubbleId:" + conversation + ":2", "not json"}});
+    testing::writeCursorDatabase(home.path() / "bad.db",
+                                 {{"composerData:" + conversation, cursorCreatedAt(1741950000000)},
+                                  {"bubbleId:" + conversation + ":1", cursorTokenCount(10, 10)},
+                                  {"bubbleId:" + conversation + ":2", "not json"}});
     EXPECT_EQ(readCursorDatabase(home.path() / "bad.db", LocalCalendar{}), DayMap{});
     fs::remove(database);
     fs::remove(home.path() / linuxPlace);
@@ -148,8 +150,10 @@ TEST_F(CursorReaderTest, ReadsWhatTheRunningEditorHoldsInItsWriteAheadLog) {
     if (editor == 0) {
         sqlite3* connection = nullptr;
         sqlite3_open(database.c_str(), &connection);
-        sqlite3_exec(connection, "PRAGMA wal_autocheckpoint=0; UPDATE cursorDiskKV SET value="
-                     "json_set(value, '$.tokenCount.inputTokens', 777) WHERE key LIKE 'bubbleId:%'", nullptr, nullptr, nullptr);
+        sqlite3_exec(connection,
+                     "PRAGMA wal_autocheckpoint=0; UPDATE cursorDiskKV SET value="
+                     "json_set(value, '$.tokenCount.inputTokens', 777) WHERE key LIKE 'bubbleId:%'",
+                     nullptr, nullptr, nullptr);
         (void)!::write(ready[1], "r", 1);
         ::pause();
         ::_exit(0);
@@ -180,7 +184,8 @@ TEST_F(CursorReaderTest, BothQueriesShareOneLockWait) {
     slept = 0ms;
     LockWaitBudget letGo(LockWaitBudget::cursorTotal, [&](std::chrono::milliseconds span) {
         slept += span;
-        if (slept >= 2000ms && !sqlite3_get_autocommit(editor)) sqlite3_exec(editor, "COMMIT", nullptr, nullptr, nullptr);
+        if (slept >= 2000ms && !sqlite3_get_autocommit(editor))
+            sqlite3_exec(editor, "COMMIT", nullptr, nullptr, nullptr);
     });
     EXPECT_EQ(inputTokens(readCursorDatabase(database, LocalCalendar{}, letGo)), 10);
     EXPECT_GE(slept, 2000ms);

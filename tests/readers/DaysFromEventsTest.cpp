@@ -22,7 +22,8 @@ TEST(DaysFromEventsTest, EpisodeRuleSplitsSessionsAndBooksHoursOnTheStartDay) {
     EXPECT_EQ(daysFromEvents({at(14, 10, 0), at(14, 12, 0)}, "s", calendar),
               (DayMap{{"2025-03-14", {{"s#0"}, 2, 0, 2, {10}, 2, 4, {}}}}));
     EXPECT_EQ(daysFromEvents({at(14, 23, 30, 5), at(15, 0, 30, 7)}, "abc", calendar),
-              (DayMap{{"2025-03-14", {{"abc#0"}, 1, 5, 1, {23}, 1, 2, {}}}, {"2025-03-15", {{}, 1, 7, 1, {}, 1, 2, {}}}}));
+              (DayMap{{"2025-03-14", {{"abc#0"}, 1, 5, 1, {23}, 1, 2, {}}},
+                      {"2025-03-15", {{}, 1, 7, 1, {}, 1, 2, {}}}}));
     EXPECT_TRUE(daysFromEvents({}, "s", calendar).empty());
 }
 

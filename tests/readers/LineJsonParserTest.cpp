@@ -29,7 +29,8 @@ TEST(LineJsonParserTest, AcceptsExactlyWhatTheTreeParserAccepts) {
     };
     // Mutations of a realistic line: bytes dropped, doubled or replaced by ones JSON cares about.
     const std::string base =
-        R"({"type":"assistant","timestamp":"2025-01-31T09:15:02Z","message":{"model":"m\u00e9","content":[{"t":"a\"b\\c"}],)"
+        R"({"type":"assistant","timestamp":"2025-01-31T09:15:02Z","message":{"model":"m\u00e9",)"
+        R"("content":[{"t":"a\"b\\c"}],)"
         R"("usage":{"input_tokens":12,"output_tokens":-3.5e2,"x":[true,false,null]}},"a":"\ud83d\ude00"})";
     const std::string significant = "{}[]:,\"\\u0-.e+ntf\xff\x01 ";
     std::mt19937 random(7);
@@ -75,7 +76,8 @@ TEST(LineJsonParserTest, HandsBackTheFirstValueAtEachPath) {
     using enum Kind;
     LineJsonParser parser;
     ASSERT_TRUE(parser.parse(
-        R"({"list":[1],"mess\u0061ge":{"model":"claude-\u00e9","usage":{"tokens":12,"rate":2.5,"big":18446744073709551615,)"
+        R"({"list":[1],"mess\u0061ge":{"model":"claude-\u00e9","usage":{"tokens":12,"rate":2.5,)"
+        R"("big":18446744073709551615,)"
         R"("tokens":99},"model":"second"},"message":{"model":"ignored"},"nothing":null})",
         paths, fields));
     EXPECT_EQ(kinds(), (std::vector<Kind>{object, string, integer, number, number, array, null}));

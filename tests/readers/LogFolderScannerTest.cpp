@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The stand-in reader's lines: "<input> <output> <unix seconds>" or "quota <percent> <unix seconds>".
+// The stand-in reader's lines: "<input> <output> <unix seconds>", or "quota <percent> 0 <unix seconds>".
 std::string line(int input, int output, Date at = testing::localDate(2025, 3, 14, 10)) {
     return std::to_string(input) + " " + std::to_string(output) + " " +
            std::to_string(static_cast<long long>(at.unixSeconds())) + "\n";
@@ -44,12 +44,13 @@ protected:
                 runs.forEachRun([&](std::string_view run) {
                     if (hook) hook(run);
                     forEachLine(run, [&](std::string_view text) {
-                        long long seconds = 0;
-                        int input = 0, output = 0;
-                        if (std::sscanf(std::string(text).c_str(), "quota %d 0 %lld", &input, &seconds) == 2)
-                            keepLaterQuota(reading.quota, {Date::fromUnixSeconds(double(seconds)), double(input), {}, {}, {}, {}});
-                        else if (std::sscanf(std::string(text).c_str(), "%d %d %lld", &input, &output, &seconds) == 3)
-                            reading.events.push_back({Date::fromUnixSeconds(double(seconds)), input, output, 1, 1});
+                        const bool isQuota = text.starts_with("quota ");
+                        long long seconds = 0, input = 0, output = 0;
+                        const std::string numbers(text.substr(isQuota ? 6 : 0));
+                        if (std::sscanf(numbers.c_str(), "%lld %lld %lld", &input, &output, &seconds) != 3) return;
+                        const Date at = Date::fromUnixSeconds(double(seconds));
+                        if (isQuota) keepLaterQuota(reading.quota, {at, double(input), {}, {}, {}, {}});
+                        else reading.events.push_back({at, input, output, 1, 1});
                     });
                 });
                 return reading;
@@ -73,7 +74,8 @@ TEST_F(LogFolderScannerTest, ReadsVisibleJsonlFilesAtAnyDepthOnly) {
     const FolderScan result = scanned();
     EXPECT_EQ(result.counters.filesRead, 4);
     EXPECT_EQ(filesHandedOver, 4);
-    EXPECT_EQ(result.days, (DayMap{{"2025-03-14", {{"s1#0", "s6#0", "two.parts#0"}, 3, 300, 30, {10, 10, 10}, 3, 3, {}}}}));
+    EXPECT_EQ(result.days,
+              (DayMap{{"2025-03-14", {{"s1#0", "s6#0", "two.parts#0"}, 3, 300, 30, {10, 10, 10}, 3, 3, {}}}}));
     // Entries are keyed by absolute path; an empty file has an entry with no days.
     const std::string root = home.path().string() + "/projects/";
     EXPECT_EQ(files.size(), 4u);
@@ -181,7 +183,8 @@ TEST_F(LogFolderScannerTest, AFilesLatestQuotaGoesToTheDayItWasTakenAndTheLaterO
     const FolderScan result = scanned();
     ASSERT_EQ(result.days->size(), 2u);
     EXPECT_FALSE(result.days->at("2025-03-14").quota);
-    EXPECT_EQ(result.days->at("2025-03-15"), (DayUsage{{}, 0, 0, 0, {}, 0, 0, QuotaSnapshot{day15.addingSeconds(60), 30.0, {}, {}, {}, {}}}));
+    const QuotaSnapshot latest{day15.addingSeconds(60), 30.0, {}, {}, {}, {}};
+    EXPECT_EQ(result.days->at("2025-03-15"), (DayUsage{{}, 0, 0, 0, {}, 0, 0, latest}));
 }
 
 }  // namespace

@@ -50,7 +50,8 @@ TEST(ModelPricingTest, VersionReader) {
         {"claude-sonnet-4-5-20250929", "sonnet", 4.5}, {"claude-sonnet-4-20250514", "sonnet", 4.20250514},
         {"gpt-5.1-codex", "gpt", 5.1}, {"gpt5", "gpt", 5.0}, {"gpt5-1", "gpt", 5.1},
         {"claude-3-5-haiku-20241022", "haiku", 20241022.0}, {"claude-sonnet", "sonnet", std::nullopt},
-        {"claude-opus-4", "sonnet", std::nullopt}, {"gpt-4o", "gpt", std::nullopt}, {"gpt-5-codex", "gpt", std::nullopt},
+        {"claude-opus-4", "sonnet", std::nullopt}, {"gpt-4o", "gpt", std::nullopt},
+        {"gpt-5-codex", "gpt", std::nullopt},
         {"gptx-5-1", "gpt", 5.1},  // the glued rest does not read, the two tokens after it do
         {"sonnet4-sonnet5", "sonnet", std::nullopt},  // only the first token starting with the family counts
     };
@@ -73,7 +74,8 @@ TEST(ModelPricingTest, CostInCentsAndWaterInMillilitersRoundHalvesAwayFromZero) 
     for (const auto& c : costs)
         EXPECT_EQ(costCents(c.price, c.fresh, c.cacheWrite, c.cacheRead, c.output), c.expectedCents) << c.fresh;
     // (0.1 × input + output) × 0.1125: 123.75, 0.45, 4.5, 13.5; cache reads weigh nothing.
-    const int64_t water[][4] = {{1000, 1000, 0, 124}, {0, 4, 0, 0}, {0, 40, 0, 5}, {200, 100, 800, 14}, {0, 0, 1000000, 0}};
+    const int64_t water[][4] = {{1000, 1000, 0, 124}, {0, 4, 0, 0}, {0, 40, 0, 5}, {200, 100, 800, 14},
+                                {0, 0, 1000000, 0}};
     for (const auto& w : water) EXPECT_EQ(waterMilliliters(w[0], w[1], w[2]), w[3]) << w[0] << " " << w[1];
 }
 

@@ -16,7 +16,9 @@ namespace {
 TEST(UsageReadersTest, ResultsAreTheSameWhateverTheThreadsAndWindows) {
     const testing::ScopedTimeZone zone("America/New_York");
     std::mt19937 random(20250314);
-    const auto number = [&](int low, int high) { return std::to_string(std::uniform_int_distribution(low, high)(random)); };
+    const auto number = [&](int low, int high) {
+        return std::to_string(std::uniform_int_distribution(low, high)(random));
+    };
     const auto padding = [&](int most) { return std::string(std::stoul(number(0, most)), 'x'); };
     const auto timestamp = [&] {
         return "2025-03-1" + number(0, 6) + "T" + number(10, 23) + ":" + number(10, 59) + ":" + number(10, 59) + ".5Z";
@@ -42,12 +44,13 @@ TEST(UsageReadersTest, ResultsAreTheSameWhateverTheThreadsAndWindows) {
         std::string log;
         for (int line = std::stoi(number(0, 30)); line > 0; --line) {
             if (number(0, 3) == "0")
-                log += R"({"type":"event_msg","payload":{"type":"thread_settings_applied","thread_settings":{"model":")" +
+                log += R"({"type":"event_msg","payload":{"type":"thread_settings_applied",)"
+                       R"("thread_settings":{"model":")" +
                        std::string(number(0, 1) == "1" ? "gpt-5" : "o3-mini") + "\"}}}\n";
             else
                 log += R"({"timestamp":")" + timestamp() + R"(","type":"event_msg","payload":{"type":"token_count",)"
-                       R"("info":{"last_token_usage":{"input_tokens":)" + number(0, 90000) + R"(,"cached_input_tokens":)" +
-                       number(0, 50000) + R"(,"output_tokens":)" + number(0, 3000) +
+                       R"("info":{"last_token_usage":{"input_tokens":)" + number(0, 90000) +
+                       R"(,"cached_input_tokens":)" + number(0, 50000) + R"(,"output_tokens":)" + number(0, 3000) +
                        R"(}},"rate_limits":{"primary":{"used_percent":)" + number(0, 100) + R"(}},"pad":")" +
                        padding(5000) + "\"}}\n";
         }
@@ -66,7 +69,8 @@ TEST(UsageReadersTest, ResultsAreTheSameWhateverTheThreadsAndWindows) {
     int64_t requests = 0;
     for (const auto& [key, day] : oneThread.results.at(UsageTool::claudeCode)) requests += day.requests;
     EXPECT_EQ(requests, claudeCodeRequests);
-    for (const ScanSettings& settings : {ScanSettings{.workerThreads = 2, .windowBytes = page}, ScanSettings{.workerThreads = 2},
+    for (const ScanSettings& settings : {ScanSettings{.workerThreads = 2, .windowBytes = page},
+                                         ScanSettings{.workerThreads = 2},
                                          ScanSettings{.workerThreads = 3, .windowBytes = 3 * page}}) {
         SCOPED_TRACE(::testing::Message() << settings.workerThreads << " threads, window " << settings.windowBytes);
         FileEntries files;
