@@ -24,10 +24,9 @@ TEST(FuzzRegressionTest, EveryInputThatOnceCrashedPassesItsCheck) {
         const auto check = checks.find(folder.path().filename().string());
         ASSERT_NE(check, checks.end()) << "no check named " << folder.path();
         for (const auto& file : std::filesystem::directory_iterator(folder.path())) {
-            std::ifstream in(file.path(), std::ios::binary);
-            std::ostringstream bytes;
-            bytes << in.rdbuf();
             SCOPED_TRACE(file.path().string());
+            std::ostringstream bytes;
+            bytes << std::ifstream(file.path(), std::ios::binary).rdbuf();
             check->second(bytes.str());
             ++replayed;
         }
