@@ -9,7 +9,6 @@ namespace tallowen::testing {
 namespace {
 
 using CommandsEndToEndTest = TallowenRun;
-constexpr auto npos = std::string::npos;
 
 TEST_F(CommandsEndToEndTest, ImportStoresWhatScanPrintsAndDaysListsIt) {
     writeUsageHome(scratch, "home");

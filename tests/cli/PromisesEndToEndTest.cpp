@@ -7,6 +7,7 @@
 #include "model/DaySamplesJson.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "support/FolderSnapshot.hpp"
+#include "support/Samples.hpp"
 #include "support/UsageHome.hpp"
 
 #include <sqlite3.h>
@@ -18,7 +19,6 @@
 namespace tallowen::testing {
 namespace {
 
-constexpr auto npos = std::string::npos;
 
 class PromisesEndToEndTest : public TallowenRun {
 protected:
@@ -136,13 +136,9 @@ TEST_F(PromisesEndToEndTest, KillingImportsAndPurgesAtRandomMomentsEndsWithTheRe
     std::filesystem::create_directories(data());
     {
         SqliteSampleStore store(data() / SqliteSampleStore::fileName);
-        for (int i = 0; i < 400; ++i) {
-            UsageSample sample = UsageSample::created(Date{760000000.0 + i});
-            sample.dayKey = "2025-03-1" + std::to_string(i % 5);
-            sample.tool = i % 2 ? "claude-code" : "phone-chatgpt";
-            sample.requests = i;
-            store.insert(sample);
-        }
+        for (int i = 0; i < 400; ++i)
+            store.insert(slotSample("2025-03-1" + std::to_string(i % 5), i % 2 ? "claude-code" : "phone-chatgpt",
+                                    Date{760000000.0 + i}, i));
         store.save();
     }
     const auto clean = scratch.path() / "clean";

@@ -9,6 +9,8 @@
 
 namespace tallowen::testing {
 
+inline constexpr auto npos = std::string::npos;
+
 // The built `tallowen` run in Paris on the home and data folders of a scratch folder.
 class TallowenRun : public ::testing::Test {
 protected:

@@ -2,7 +2,6 @@
 #include "IcuLocaleFormatter.hpp"
 #include "TallowenRun.hpp"
 #include "TextWidth.hpp"
-#include "base/JsonRead.hpp"
 #include "model/DayKey.hpp"
 #include "model/Iso8601Format.hpp"
 #include "readers/ModelPricing.hpp"
@@ -21,7 +20,6 @@
 namespace tallowen::testing {
 namespace {
 
-constexpr auto npos = std::string::npos;
 
 int widestLine(const std::string& text) {
     int widest = 0;
@@ -88,16 +86,10 @@ TEST_F(TerminalCommandsTest, ThePanelShowsTodaysLogsInFrenchAndTheSummaryAgrees)
     EXPECT_EQ(lines.back().find("Import "), 36u);
     EXPECT_EQ(piped("panel").standardOutput, imported.standardOutput);  // the store gives the same panel
 
-    simdjson::dom::parser parser;
-    const std::string json = tallowen("summary --json").standardOutput;
-    simdjson::dom::element root;
-    ASSERT_EQ(parser.parse(json).get(root), simdjson::SUCCESS) << json;
-    EXPECT_EQ(json::stringMember(root, "locale"), "en_US");
-    EXPECT_EQ(json::int64Member(*json::objectMember(root, "summary"), "totalTokens"), 35200 + 72000);
-    const auto menu = json::objectMember(root, "menu");
-    EXPECT_EQ(json::stringMember(*menu, "todayRequestsText"), "01");
-    EXPECT_EQ(json::stringMember(*menu, "tokenCounterText"), "35,200");
-    EXPECT_EQ(json::stringMember(*menu, "detectedToolsText"), "CLAUDE CODE");
+    const std::string summary = tallowen("summary --json").standardOutput;
+    for (const char* shown : {R"("locale":"en_US")", R"("totalTokens":107200)", R"("todayRequestsText":"01")",
+                              R"("tokenCounterText":"35,200")", R"("detectedToolsText":"CLAUDE CODE")"})
+        EXPECT_NE(summary.find(shown), npos) << shown << "\n" << summary;
 }
 
 TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped) {

@@ -3,7 +3,6 @@
 #include "QuotaBarArt.hpp"
 #include "TerminalStyle.hpp"
 #include "TextWidth.hpp"
-#include "summary/BottleBitmaps.hpp"
 
 #include <gtest/gtest.h>
 
@@ -53,30 +52,6 @@ TEST(TerminalArtTest, BigDigitsQuotaBarsAndBottleQuadrants) {
     EXPECT_EQ(bottleArtLines({"10001111", "00000010", "00010011", "00010001"}), Lines{"▘▗▀█"});
     EXPECT_EQ(bottleArtLines({"11", "", "", "", "01"}), (Lines{"▀", "▝"}));
     EXPECT_TRUE(bottleArtLines({}).empty());
-}
-
-TEST(TerminalArtTest, TheFiveBottleLevelsAreToldApart) {
-    std::vector<Lines> arts;
-    std::vector<int> fullBlocks;
-    for (const BottleLevel level : allBottleLevels) {
-        const BottleBitmap& bitmap = bottleBitmap(level);
-        const Lines& art = arts.emplace_back(bottleArtLines(Lines(bitmap.begin(), bitmap.end())));
-        ASSERT_EQ(art.size(), 11u);
-        int blocks = 0;
-        for (const std::string& line : art) {
-            EXPECT_EQ(displayWidth(line), 12);
-            for (size_t at = line.find("█"); at != std::string::npos; at = line.find("█", at + 1)) ++blocks;
-        }
-        fullBlocks.push_back(blocks);
-    }
-    // More water, more solid blocks: every level has visibly more than the one below.
-    EXPECT_EQ(fullBlocks.front(), 0);
-    for (size_t i = 1; i < fullBlocks.size(); ++i) EXPECT_GE(fullBlocks[i], fullBlocks[i - 1] + 5) << i;
-    // Only the overflowing bottle has its puddle on the last line and a filled neck.
-    for (size_t i = 0; i < arts.size(); ++i) {
-        EXPECT_EQ(arts[i].back().find("█") != std::string::npos, i == 4) << i;
-        EXPECT_EQ(arts[i][1].find("█") != std::string::npos, i == 4) << i;
-    }
 }
 
 }  // namespace

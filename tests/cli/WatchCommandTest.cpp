@@ -12,24 +12,22 @@
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
-#include <utmp.h>
 
 namespace tallowen::testing {
 namespace {
 
-constexpr auto npos = std::string::npos;
 
 // `tallowen watch` on a pseudo-terminal as a shell runs a foreground job: a
 // stand-in shell leads the terminal's session and `watch` runs in its own
-// process group in the foreground, so that Ctrl-Z really stops it.
+// process group in the foreground, so that Ctrl-Z really stops it. The
+// terminal's settings read through its master side are those of the job's side.
 class WatchOnTerminal {
 public:
     explicit WatchOnTerminal(std::vector<std::string> arguments) {
         int jobPid[2];
-        if (::openpty(&master_, &terminal_, nullptr, nullptr, nullptr) != 0 || ::pipe(jobPid) != 0) return;
-        shell_ = ::fork();
+        if (::pipe(jobPid) != 0) return;
+        shell_ = ::forkpty(&master_, nullptr, nullptr, nullptr);
         if (shell_ == 0) {
-            ::login_tty(::dup(terminal_));
             ::setenv("TZ", "Europe/Paris", 1);
             const pid_t job = ::fork();
             if (job == 0) {
@@ -60,7 +58,6 @@ public:
             ::waitpid(shell_, nullptr, 0);
         }
         ::close(master_);
-        ::close(terminal_);
     }
 
     const std::string& output() const { return output_; }
@@ -94,12 +91,12 @@ public:
     }
     bool readsSingleKeys() const {
         termios settings{};
-        return ::tcgetattr(terminal_, &settings) == 0 && (settings.c_lflag & (ICANON | ECHO)) == 0;
+        return ::tcgetattr(master_, &settings) == 0 && (settings.c_lflag & (ICANON | ECHO)) == 0;
     }
     // The keyboard back in line mode with echo, and the user's screen shown again.
     void expectTerminalHandedBack() const {
         termios settings{};
-        ASSERT_EQ(::tcgetattr(terminal_, &settings), 0);
+        ASSERT_EQ(::tcgetattr(master_, &settings), 0);
         EXPECT_EQ(settings.c_lflag & (ICANON | ECHO), static_cast<tcflag_t>(ICANON | ECHO));
         ASSERT_NE(output_.rfind("\x1b[?1049l"), npos);
         EXPECT_GT(output_.rfind("\x1b[?1049l"), output_.rfind("\x1b[?1049h"));
@@ -113,7 +110,7 @@ private:
             output_.append(buffer, static_cast<size_t>(count));
     }
 
-    int master_ = -1, terminal_ = -1;
+    int master_ = -1;
     pid_t shell_ = -1, job_ = -1;
     bool ended_ = false;
     std::string output_;
