@@ -125,9 +125,10 @@ TEST_F(WatchCommandTest, PipedItImportsAtOnceDrawsThePanelAndStopsCleanlyOnASign
     for (const char* signal : {"INT", "TERM"}) {
         SCOPED_TRACE(signal);
         std::filesystem::remove_all(data());
-        const CommandResult run = runCommand(commandLine("watch") + " >panel & for i in $(seq 100); do "
-                                             "grep -q 'Import ' panel 2>/dev/null && break; sleep 0.1; done; kill -" +
-                                             signal + " $!; wait $!; status=$?; cat panel; exit $status", scratch.path());
+        const std::string panel = shellQuoted((scratch.path() / "panel").string());
+        const CommandResult run = runCommand(commandLine("watch") + " >" + panel + " & for i in $(seq 100); do grep -q "
+                                             "'Import ' " + panel + " 2>/dev/null && break; sleep 0.1; done; kill -" + signal +
+                                             " $!; wait $!; status=$?; cat " + panel + "; exit $status", scratch.path());
         EXPECT_EQ(run.exitStatus, 0);
         EXPECT_EQ(run.standardOutput.rfind("■ TALLOWEN_\n", 0), 0u) << run.standardOutput;
         EXPECT_NE(run.standardOutput.find("OUTILS DÉTECTÉS\nCLAUDE CODE · CODEX · CURSOR\n"), npos);
