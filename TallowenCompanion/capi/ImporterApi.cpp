@@ -2,6 +2,7 @@
 #include "capi/CallbackSampleStore.hpp"
 #include "capi/Handles.hpp"
 
+#include "import/ImportReportJson.hpp"
 #include "base/JsonWriter.hpp"
 
 namespace {
@@ -31,22 +32,6 @@ std::string stateJson(const tallowen::UsageImporter& importer) {
     out.key("todayTokens").integer(importer.todayTokens());
     out.key("todayCostCents").integer(importer.todayCostCents());
     writeOptionalNumber(out, "purgeProgress", importer.purgeProgress());
-    out.endObject();
-    return out.take();
-}
-
-std::string reportJson(const tallowen::ImportRunReport& report) {
-    JsonWriter out;
-    out.beginObject();
-    out.key("samplesInserted").integer(report.samplesInserted);
-    out.key("samplesUpdated").integer(report.samplesUpdated);
-    out.key("samplesUnchanged").integer(report.samplesUnchanged);
-    out.key("duplicatesRemoved").integer(report.duplicatesRemoved);
-    out.key("filesRead").integer(report.filesRead);
-    out.key("filesReused").integer(report.filesReused);
-    out.key("lastError");
-    if (report.lastError) out.string(*report.lastError);
-    else out.null();
     out.endObject();
     return out.take();
 }
@@ -149,7 +134,8 @@ char* tw_importer_finish(tw_importer* importer, tw_purge* purge) {
     try {
         std::optional<tallowen::Result<int64_t>> outcome;
         if (owned) outcome = std::move(owned->outcome);
-        return tallowen::capi::ownedText(reportJson(importer->importer->completeRun(std::move(outcome))));
+        const tallowen::ImportRunReport report = importer->importer->completeRun(std::move(outcome));
+        return tallowen::capi::ownedText(tallowen::importReportJson(report));
     } catch (...) {
         return nullptr;
     }

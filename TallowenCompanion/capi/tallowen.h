@@ -168,8 +168,8 @@ char *tw_importer_state(const tw_importer *importer);
  *    the importer's thread.
  * 4. tw_importer_finish (importer's thread): writes the samples, publishes,
  *    frees the purge (NULL when there was none), and returns the run's report
- *    as JSON (samplesInserted, samplesUpdated, samplesUnchanged,
- *    duplicatesRemoved, filesRead, filesReused, lastError). */
+ *    as JSON, the object `tallowen import --json` prints (outcome,
+ *    detectedTools, the sample and file counts, elapsedSeconds, lastError). */
 tw_file_work *tw_importer_begin(tw_importer *importer);
 void tw_file_work_run(tw_file_work *work);
 tw_purge *tw_importer_files_read(tw_importer *importer, tw_file_work *work);
