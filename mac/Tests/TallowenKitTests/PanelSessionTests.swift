@@ -18,19 +18,23 @@ import Testing
 
         let empty = session.frame(at: Date())
         #expect(empty.today.requestsText == "00")
-        #expect(empty.cleaning == nil)
 
         await importer.runImport()
-        session.samplesChanged(store.saved)
+        // The logs are of March 2025: their quotas are stale, and only this fresh reading shows.
+        let quota = SampleRecord(
+            dayKey: "2025-03-16", tool: "codex", quotaPrimaryPercent: 40, quotaPlan: "plus", updatedAt: Date())
+        session.samplesChanged(store.saved + [quota])
         session.importerChanged(importer)
         session.syncChanged(CloudSyncStatus(settings: settings), cloudEnvironment: "Development")
         session.loginItemChanged(true)
-        // The logs are of March 2025: the week line counts nothing today, the quotas are stale.
         let frame = session.frame(at: Date())
         #expect(frame.detectedTools.text.contains("CODEX"))
         #expect(frame.cloudWarning?.kind == "never")
         #expect(frame.loginItem?.isOn == true)
         #expect(frame.updateButton == nil)
+        #expect(frame.cleaning == nil)
+        #expect(frame.quotas?.blocks.map(\.tool) == ["codex"])
+        #expect(frame.quotas?.blocks.first?.bars.first?.percentText == "40 %")
         #expect(frame.footer.developmentBadge == "DEVELOPMENT")
         #expect(frame.footer.lastImportText?.hasPrefix("Import ") == true)
         #expect(frame.today.bottleRows.count == 44)

@@ -1,4 +1,5 @@
 import Foundation
+import TallowenKit
 
 /// `tallowen scan --json`, the terminal's reading of the same logs, built by
 /// CMake (scripts/test.sh builds it first). TALLOWEN_EXE names another build.
@@ -16,21 +17,23 @@ enum ScanCommand {
         var samples: [Sample]
     }
 
+    /// A scanned sample has no identifier nor write date: those are the store's.
     struct Sample: Decodable {
-        var dayKey: String
-        var tool: String
-        var sessions: Int64
-        var requests: Int64
-        var inputTokens: Int64
-        var outputTokens: Int64
+        var dayKey, tool: String
+        var sessions, requests, inputTokens, outputTokens, estimatedCostCents, estimatedWaterMilliliters: Int64
         var episodeHours: [Int64]
-        var estimatedCostCents: Int64
-        var estimatedWaterMilliliters: Int64
-        var quotaPrimaryPercent: Double?
-        var quotaPrimaryResetAt: String?
-        var quotaSecondaryPercent: Double?
-        var quotaSecondaryResetAt: String?
+        var quotaPrimaryPercent, quotaSecondaryPercent: Double?
+        var quotaPrimaryResetAt, quotaSecondaryResetAt: Date?
         var quotaPlan: String?
+
+        func record(id: String, updatedAt: Date) -> SampleRecord {
+            SampleRecord(
+                id: id, dayKey: dayKey, tool: tool, sessions: sessions, requests: requests, inputTokens: inputTokens,
+                outputTokens: outputTokens, episodeHours: episodeHours, estimatedCostCents: estimatedCostCents,
+                estimatedWaterMilliliters: estimatedWaterMilliliters, quotaPrimaryPercent: quotaPrimaryPercent,
+                quotaPrimaryResetAt: quotaPrimaryResetAt, quotaSecondaryPercent: quotaSecondaryPercent,
+                quotaSecondaryResetAt: quotaSecondaryResetAt, quotaPlan: quotaPlan, updatedAt: updatedAt)
+        }
     }
 
     /// Runs the scan with its own data folder, so that it reads every log afresh.
@@ -43,6 +46,8 @@ enum ScanCommand {
         try process.run()
         let output = pipe.fileHandleForReading.readDataToEndOfFile()
         process.waitUntilExit()
-        return try JSONDecoder().decode(Output.self, from: output)
+        let decoder = JSONDecoder()
+        decoder.dateDecodingStrategy = .iso8601
+        return try decoder.decode(Output.self, from: output)
     }
 }
