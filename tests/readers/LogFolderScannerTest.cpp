@@ -1,25 +1,74 @@
 #include "import/ImportStateFile.hpp"
+#include "model/DaysFromEvents.hpp"
 #include "readers/LineSplitter.hpp"
 #include "readers/LogFolderScanner.hpp"
+#include "readers/UsageReaders.hpp"
+#include "readers/WindowedLogFile.hpp"
 #include "support/Dates.hpp"
 #include "support/ScopedTimeZone.hpp"
 #include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdio>
 #include <fcntl.h>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace tallowen {
 namespace {
 
+using testing::localDate;
 namespace fs = std::filesystem;
 
+const size_t page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
+
+// Lines of the given lengths, line feeds not counted, the last without its own when `finalFeed` is false.
+std::string linesOf(const std::vector<size_t>& lengths, bool finalFeed = true) {
+    std::string text;
+    for (size_t i = 0; i < lengths.size(); ++i) text += std::string(lengths[i], char('a' + i % 26)) + '\n';
+    if (!finalFeed && !text.empty()) text.pop_back();
+    return text;
+}
+
+TEST(WindowedLogFileTest, RunsHoldWholeLinesAndTogetherTheWholeFile) {
+    testing::TempDir folder;
+    for (const std::string& text : {
+             linesOf(std::vector<size_t>(3000, 7)),           // short lines over several windows
+             linesOf({page - 1, 10, page - 1, 3}),            // a line ends on a window's last byte
+             linesOf({page - 5, 20, 100}, false),             // a line crosses a window's edge
+             linesOf({10, 2 * page + 77, 10, 5}),             // a line longer than two windows
+             linesOf({3 * page + 1}, false),                  // one line longer than the window, no final feed
+             linesOf({0, 0, page, 0, 4}), std::string()}) {   // empty lines, a line of one window; an empty file
+        SCOPED_TRACE(text.size());
+        auto file = WindowedLogFile::open(folder.write("log.jsonl", text), page);
+        ASSERT_TRUE(file);
+        std::string joined;
+        file->forEachRun([&](std::string_view run) {
+            // A run is a window's whole lines, or one line too long for a window: the runs
+            // joined give the file, so its lines are theirs.
+            EXPECT_TRUE(run.size() <= page || run.find('\n') >= run.size() - 1);
+            EXPECT_TRUE(joined.size() + run.size() == text.size() || run.back() == '\n');
+            joined += run;
+        });
+        EXPECT_FALSE(file->incomplete());
+        EXPECT_EQ(joined, text);
+    }
+    // A file shortened between two windows is incomplete; a folder is no log.
+    const auto path = folder.write("log.jsonl", linesOf(std::vector<size_t>(400, 99)));
+    auto file = WindowedLogFile::open(path, page);
+    size_t runs = 0;
+    file->forEachRun([&](std::string_view) {
+        EXPECT_TRUE(++runs != 2 || ::truncate(path.c_str(), off_t(page)) == 0);
+    });
+    EXPECT_TRUE(file->incomplete());
+    EXPECT_LE(runs, 3u);
+    EXPECT_FALSE(WindowedLogFile::open(folder.path()));
+}
+
 // The stand-in reader's lines: "<input> <output> <unix seconds>", or "quota <percent> 0 <unix seconds>".
-std::string line(int input, int output, Date at = testing::localDate(2025, 3, 14, 10)) {
+std::string line(int input, int output, Date at = localDate(2025, 3, 14, 10)) {
     return std::to_string(input) + " " + std::to_string(output) + " " +
            std::to_string(static_cast<long long>(at.unixSeconds())) + "\n";
 }
@@ -33,13 +82,11 @@ protected:
     testing::ScopedTimeZone zone{"Europe/Paris"};
     testing::TempDir home;
     FileEntries files;
-    std::atomic<int> filesHandedOver = 0;
 
     // Reads the runs of a file, first showing each to `hook`.
     FolderScan scanned(const std::string& folder = "projects", RunHook hook = {}, ScanSettings settings = {}) {
         const LogReaderMaker maker = [this, hook] {
             return [this, hook](LineRuns& runs) {
-                ++filesHandedOver;
                 FileReading reading;
                 runs.forEachRun([&](std::string_view run) {
                     if (hook) hook(run);
@@ -71,10 +118,7 @@ TEST_F(LogFolderScannerTest, ReadsVisibleJsonlFilesAtAnyDepthOnly) {
     // Passed over: hidden file, file in a hidden folder, other letter case, other extensions.
     for (const char* name : {"a/.s3.jsonl", ".hidden/s2.jsonl", "a/s4.JSONL", "a/s5.json", "a/s7.jsonl.bak", "a/jsonl"})
         home.write("projects/" + std::string(name), line(1000, 1000));
-    const FolderScan result = scanned();
-    EXPECT_EQ(result.counters.filesRead, 4);
-    EXPECT_EQ(filesHandedOver, 4);
-    EXPECT_EQ(result.days,
+    EXPECT_EQ(scanned().days,
               (DayMap{{"2025-03-14", {{"s1#0", "s6#0", "two.parts#0"}, 3, 300, 30, {10, 10, 10}, 3, 3, {}}}}));
     // Entries are keyed by absolute path; an empty file has an entry with no days.
     const std::string root = home.path().string() + "/projects/";
@@ -94,22 +138,18 @@ TEST_F(LogFolderScannerTest, OnlyAChangeOfSizeOrTimeMakesAFileReadAgain) {
     // Same size, time put back: the stored days stand, though the bytes changed.
     home.write("projects/s.jsonl", line(900, 90));
     touch(123456789);
-    FolderScan result = scanned();
-    EXPECT_EQ(result.counters.filesReused, 1);
-    EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 100);
+    EXPECT_EQ(scanned().days->at("2025-03-14").inputTokens, 100);
     // One microsecond later is a change (a date holds about a tenth of a microsecond), and so is a new size.
     touch(123457789);
     EXPECT_EQ(scanned().days->at("2025-03-14").inputTokens, 900);
     home.write("projects/s.jsonl", line(900, 90) + line(1, 1));
     touch(123457789);
     EXPECT_EQ(scanned().days->at("2025-03-14").inputTokens, 901);
-    EXPECT_EQ(filesHandedOver, 3);
 }
 
 // A file that cannot be read whole keeps its old entry and counts for nothing this
 // time, nor does one gone since; the others are read, and it is read on the next run.
-TEST_F(LogFolderScannerTest, AFileThatFailsKeepsItsOldEntryWhileTheOthersAreRead) {
-    const size_t page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
+TEST_F(LogFolderScannerTest, AnUnreadableFileOrOneThatFailsKeepsItsOldEntryWhileTheOthersAreRead) {
     std::string pages;
     while (pages.size() < 5 * page) pages += line(200, 20);
     const struct {
@@ -147,8 +187,7 @@ TEST_F(LogFolderScannerTest, AFileThatFailsKeepsItsOldEntryWhileTheOthersAreRead
         EXPECT_EQ(result.counters.filesUnreadable, 1);
         EXPECT_EQ(files.at(failing.string()), before);
         EXPECT_TRUE(files.count(gone.string()));
-        EXPECT_EQ(result.days->at("2025-03-14").inputTokens, 5);
-        EXPECT_EQ(result.days->at("2025-03-14").sessions, (std::set<std::string>{"ok#0"}));
+        EXPECT_EQ(result.days, (DayMap{{"2025-03-14", {{"ok#0"}, 2, 5, 5, {10}, 2, 2, {}}}}));
 
         std::error_code ignored;
         fs::permissions(failing, fs::perms::owner_read | fs::perms::owner_write, ignored);
@@ -167,24 +206,99 @@ TEST_F(LogFolderScannerTest, LogNamesThatAreNotUtf8KeepTheirOwnEntriesAndAreNotR
     ASSERT_TRUE(file.save(ImportState{.files = files}));
 
     files = file.load().files;
-    EXPECT_EQ(files.size(), 3u);
-    EXPECT_TRUE(files.count(home.path().string() + ("/projects/caf\xef\xbf\xbd" "E9-\xef\xbf\xbd" "FF.jsonl")));
     const FolderScan warm = scanned();
     EXPECT_EQ(warm.counters.filesReused, 3);
     EXPECT_EQ(warm.days, cold.days);
 }
 
 TEST_F(LogFolderScannerTest, AFilesLatestQuotaGoesToTheDayItWasTakenAndTheLaterOneWins) {
-    const Date day14 = testing::localDate(2025, 3, 14, 10), day15 = testing::localDate(2025, 3, 15, 0, 30);
+    const Date day14 = localDate(2025, 3, 14, 10), day15 = localDate(2025, 3, 15, 0, 30);
     // The quota of a day without events makes that day.
     home.write("projects/a.jsonl", line(1, 1, day14) + quota(20, day15) + quota(90, day14));
     home.write("projects/b.jsonl", quota(30, day15.addingSeconds(60)));
     home.write("projects/c.jsonl", quota(40, day15.addingSeconds(-60)));
-    const FolderScan result = scanned();
-    ASSERT_EQ(result.days->size(), 2u);
-    EXPECT_FALSE(result.days->at("2025-03-14").quota);
     const QuotaSnapshot latest{day15.addingSeconds(60), 30.0, {}, {}, {}, {}};
-    EXPECT_EQ(result.days->at("2025-03-15"), (DayUsage{{}, 0, 0, 0, {}, 0, 0, latest}));
+    EXPECT_EQ(scanned().days, (DayMap{{"2025-03-14", {{"a#0"}, 1, 1, 1, {10}, 1, 1, {}}},
+                                      {"2025-03-15", {{}, 0, 0, 0, {}, 0, 0, latest}}}));
+}
+
+UsageEvent at(int day, int hour, int minute, int64_t input = 0) {
+    return UsageEvent{localDate(2025, 3, day, hour, minute), input, 1, 1, 2};
+}
+
+// Episodes split on a pause of more than two hours; each counts on the day it began.
+TEST(DaysFromEventsTest, EpisodeRuleSplitsSessionsAndBooksHoursOnTheStartDay) {
+    testing::ScopedTimeZone zone("Europe/Paris");
+    const LocalCalendar calendar;
+    EXPECT_EQ(daysFromEvents({at(14, 14, 0), at(14, 10, 0), at(14, 11, 59)}, "s", calendar),
+              (DayMap{{"2025-03-14", {{"s#0", "s#1"}, 3, 0, 3, {10, 14}, 3, 6, {}}}}));
+    EXPECT_EQ(daysFromEvents({at(14, 10, 0), at(14, 12, 0)}, "s", calendar),
+              (DayMap{{"2025-03-14", {{"s#0"}, 2, 0, 2, {10}, 2, 4, {}}}}));
+    EXPECT_EQ(daysFromEvents({at(14, 23, 30, 5), at(15, 0, 30, 7)}, "abc", calendar),
+              (DayMap{{"2025-03-14", {{"abc#0"}, 1, 5, 1, {23}, 1, 2, {}}},
+                      {"2025-03-15", {{}, 1, 7, 1, {}, 1, 2, {}}}}));
+    EXPECT_TRUE(daysFromEvents({}, "s", calendar).empty());
+}
+
+TEST(DaysFromEventsDeathTest, TokenOverflowStopsTheProcess) {
+    const int64_t big = INT64_MAX - 1;
+    EXPECT_DEATH(daysFromEvents({{Date{0}, big, 0, 0, 0}, {Date{1}, big, 0, 0, 0}}, "s", LocalCalendar{}), "overflow");
+}
+
+// A home of Claude Code and Codex logs of many sizes, whose lines are padded at random so
+// that they fall across the edges of small windows, some longer than three of them.
+TEST(UsageReadersTest, ResultsAreTheSameWhateverTheThreadsAndWindows) {
+    const testing::ScopedTimeZone zone("America/New_York");
+    std::mt19937 random(20250314);
+    const auto number = [&](int low, int high) {
+        return std::to_string(std::uniform_int_distribution(low, high)(random));
+    };
+    const auto padding = [&](int most) { return std::string(std::stoul(number(0, most)), 'x'); };
+    const auto timestamp = [&] {
+        return "2025-03-1" + number(0, 6) + "T" + number(10, 23) + ":" + number(10, 59) + ":" + number(10, 59) + ".5Z";
+    };
+    testing::TempDir home;
+    for (int file = 0; file < 32; ++file) {
+        const bool codex = file >= 24;
+        std::string log;
+        for (int line = std::stoi(number(0, 40)); line > 0; --line) {
+            const bool request = number(0, 2) != "0";
+            if (codex && !request)
+                log += R"({"type":"event_msg","payload":{"type":"thread_settings_applied","thread_settings":)"
+                       R"({"model":")" + std::string(number(0, 1) == "1" ? "gpt-5" : "o3-mini") + "\"}}}\n";
+            else if (codex)
+                log += R"({"timestamp":")" + timestamp() + R"(","type":"event_msg","payload":{"type":"token_count",)"
+                       R"("info":{"last_token_usage":{"input_tokens":)" + number(0, 90000) +
+                       R"(,"cached_input_tokens":)" + number(0, 50000) + R"(,"output_tokens":)" + number(0, 3000) +
+                       R"(}},"rate_limits":{"primary":{"used_percent":)" + number(0, 100) + R"(}},"pad":")" +
+                       padding(5000) + "\"}}\n";
+            else if (!request)
+                log += R"({"type":"user","message":{"content":")" + padding(12000) + "\"}}\n";
+            else
+                log += R"({"type":"assistant","timestamp":")" + timestamp() + R"(","message":{"model":"claude-)" +
+                       (number(0, 1) == "1" ? "sonnet-4-5" : "opus-4-1") + R"(","usage":{"input_tokens":)" +
+                       number(0, 5000) + R"(,"cache_read_input_tokens":)" + number(0, 90000) + R"(,"output_tokens":)" +
+                       number(0, 900) + R"(}},"pad":")" + padding(6000) + "\"}\n";
+        }
+        const std::string name = "/s" + std::to_string(file) + ".jsonl";
+        home.write(!codex      ? ".claude/projects/p" + std::to_string(file % 3) + name
+                   : file % 2 ? ".codex/sessions/2025/03/14" + name
+                              : ".codex/archived_sessions" + name, log);
+    }
+
+    std::optional<CursorDayCache> noCursor;
+    FileEntries oneThreadFiles;
+    const LogReadOutcome oneThread =
+        readAllLogs(home.path(), oneThreadFiles, noCursor, LocalCalendar{}, {.workerThreads = 1, .windowBytes = page});
+    for (const auto& [tool, days] : oneThread.results) EXPECT_GT(days.size(), 3u);
+    for (const ScanSettings& settings : {ScanSettings{.workerThreads = 2, .windowBytes = page},
+                                         ScanSettings{.workerThreads = 2},
+                                         ScanSettings{.workerThreads = 3, .windowBytes = 3 * page}}) {
+        SCOPED_TRACE(::testing::Message() << settings.workerThreads << " threads, window " << settings.windowBytes);
+        FileEntries files;
+        EXPECT_EQ(readAllLogs(home.path(), files, noCursor, LocalCalendar{}, settings).results, oneThread.results);
+        EXPECT_EQ(files, oneThreadFiles);
+    }
 }
 
 }  // namespace
