@@ -30,12 +30,6 @@ namespace fs = std::filesystem;
 const fs::path macPlace = "Library/Application Support/Cursor/User/globalStorage/state.vscdb";
 const std::string conversation(36, 'c');
 
-timespec modified(const fs::path& path) {
-    struct stat status {};
-    ::stat(path.c_str(), &status);
-    return status.st_mtim;
-}
-
 void setModified(const fs::path& path, timespec time) {
     const timespec times[2] = {time, time};
     ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
@@ -48,8 +42,6 @@ sqlite3* opened(const fs::path& database, const char* sql) {
     sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
     return connection;
 }
-
-void execute(const fs::path& database, const char* sql) { sqlite3_close(opened(database, sql)); }
 
 int64_t inputTokens(const std::optional<DayMap>& days) {
     int64_t tokens = 0;
@@ -68,7 +60,7 @@ protected:
         fs::remove(database);
         testing::writeCursorDatabase(database, {{"composerData:" + conversation, cursorCreatedAt(1741995000000)},
                                                 {"bubbleId:" + conversation + ":1", cursorTokenCount(input, 10)}});
-        if (wal) execute(database, "PRAGMA journal_mode=WAL");
+        if (wal) sqlite3_close(opened(database, "PRAGMA journal_mode=WAL"));
     }
 };
 
@@ -108,14 +100,12 @@ TEST_F(CursorReaderTest, FindsTheMacPlaceFirstThenTheLinuxOneAndABrokenDatabaseG
     EXPECT_EQ(cursorDatabasePath(home.path()), database);
 
     const std::string garbage(4096, '\x5a');
-    for (const std::string& contents : {std::string(), std::string("SQLite format 3? no, text\n"), garbage,
-                                        std::string("SQLite format 3\0", 16) + garbage}) {
+    for (const std::string& contents : {std::string(), garbage, std::string("SQLite format 3\0", 16) + garbage}) {
         home.write(macPlace, contents);
         EXPECT_EQ(readCursorUsage(home.path(), LocalCalendar{}), DayMap{}) << contents.size();
     }
-    // No Cursor table; one message whose value is not JSON fails the grouped query as a whole.
-    execute(home.path() / "other.db", "CREATE TABLE t (x)");
-    EXPECT_EQ(readCursorDatabase(home.path() / "other.db", LocalCalendar{}), DayMap{});
+    // An empty file is a database without Cursor's table; one message whose value is not JSON
+    // fails the grouped query as a whole.
     testing::writeCursorDatabase(home.path() / "bad.db",
                                  {{"composerData:" + conversation, cursorCreatedAt(1741950000000)},
                                   {"bubbleId:" + conversation + ":1", cursorTokenCount(10, 10)},
@@ -162,14 +152,15 @@ TEST_F(CursorReaderTest, BothQueriesShareOneLockWait) {
 
 TEST_F(CursorReaderTest, AnUnchangedDatabaseIsNotOpenedAndAnyStampOrZoneChangeReadsItAgain) {
     const fs::path log = database.string() + "-wal";  // left alone by SQLite: the database is not in WAL mode
-    const auto appendKeepingTime = [](const fs::path& path, const std::string& bytes, timespec time) {
+    const timespec then{1741950000, 5};
+    const auto appendKeepingTime = [&](const fs::path& path, const std::string& bytes) {
         std::ofstream(path, std::ios::binary | std::ios::app) << bytes;
-        setModified(path, time);
+        setModified(path, then);
     };
     const std::function<void()> changes[] = {
-        [&] { appendKeepingTime(database, std::string(4096, '\0'), modified(log)); },
+        [&] { appendKeepingTime(database, std::string(4096, '\0')); },
         [&] { setModified(database, {1700000000, 1}); },
-        [&] { appendKeepingTime(log, "x", modified(log)); },
+        [&] { appendKeepingTime(log, "x"); },
         [&] { setModified(log, {1700000000, 1}); },
         [&] { fs::remove(log); },
         [&] { zone.emplace("America/New_York"); },
@@ -181,7 +172,8 @@ TEST_F(CursorReaderTest, AnUnchangedDatabaseIsNotOpenedAndAnyStampOrZoneChangeRe
         zone.emplace("Europe/Paris");
         writeConversation(111);
         home.write(macPlace.string() + "-wal", "log");
-        setModified(log, modified(database));
+        setModified(database, then);
+        setModified(log, then);
         // Days cached under the stamps as they stand are given back as they are.
         cache = CursorDayCache{currentCursorStamps(database, LocalCalendar{}).value(), stale};
         EXPECT_EQ(readCursorUsage(home.path(), LocalCalendar{}, cache), stale);
