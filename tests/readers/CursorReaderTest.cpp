@@ -3,7 +3,6 @@
 #include "readers/CursorDayCache.hpp"
 #include "readers/CursorFastPath.hpp"
 #include "support/CursorDatabase.hpp"
-#include "support/Dates.hpp"
 #include "support/ScopedTimeZone.hpp"
 #include "support/TempDir.hpp"
 
@@ -39,14 +38,8 @@ void setModified(const fs::path& path, timespec time) {
 sqlite3* opened(const fs::path& database, const char* sql) {
     sqlite3* connection = nullptr;
     sqlite3_open(database.c_str(), &connection);
-    sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
+    EXPECT_EQ(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
     return connection;
-}
-
-int64_t inputTokens(const std::optional<DayMap>& days) {
-    int64_t tokens = 0;
-    for (const auto& [key, day] : days.value()) tokens += day.inputTokens;
-    return tokens;
 }
 
 class CursorReaderTest : public ::testing::Test {
@@ -66,9 +59,7 @@ protected:
 
 TEST_F(CursorReaderTest, BooksEachConversationOnItsCreationDayEvenUnderAPathWithUriCharacters) {
     const fs::path weirdHome = home.path() / "we?ird #home %20";
-    const auto ms = [](Date date) { return static_cast<long long>(date.unixSeconds() * 1000.0); };
-    const long long lateOn14th = ms(testing::localDate(2025, 3, 14, 23, 59));
-    const long long on15th = ms(testing::localDate(2025, 3, 15, 9));
+    const long long lateOn14th = 1741993140000, on15th = 1742025600000;  // 23:59 and 09:00 in Paris
     const std::string a(36, 'a'), b(36, 'b'), c(36, 'c'), d(36, 'd'), e(36, 'e'), f(36, 'f');
     testing::writeCursorDatabase(weirdHome / macPlace, {
         // a: messages on either side of midnight all go to its creation day; b: input only is no request.
@@ -111,10 +102,10 @@ TEST_F(CursorReaderTest, FindsTheMacPlaceFirstThenTheLinuxOneAndABrokenDatabaseG
                                   {"bubbleId:" + conversation + ":1", cursorTokenCount(10, 10)},
                                   {"bubbleId:" + conversation + ":2", "not json"}});
     EXPECT_EQ(readCursorDatabase(home.path() / "bad.db", LocalCalendar{}), DayMap{});
+    // A folder in the macOS place is passed over.
     fs::remove(database);
-    fs::remove(home.path() / linuxPlace);
     fs::create_directories(database);
-    EXPECT_FALSE(readCursorUsage(home.path(), LocalCalendar{}));
+    EXPECT_EQ(cursorDatabasePath(home.path()), home.path() / linuxPlace);
 }
 
 // While the editor has a WAL database open, what it wrote lies in the log: it is read too.
@@ -132,7 +123,7 @@ TEST_F(CursorReaderTest, ReadsWhatTheRunningEditorHoldsInItsWriteAheadLog) {
     }
     char byte = 0;
     ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-    EXPECT_EQ(inputTokens(readCursorDatabase(database, LocalCalendar{})), 777);
+    EXPECT_EQ(readCursorDatabase(database, LocalCalendar{})->at("2025-03-15").inputTokens, 777);
     ::kill(editor, SIGKILL);
     ::waitpid(editor, nullptr, 0);
     ::close(ready[0]);
@@ -145,7 +136,7 @@ TEST_F(CursorReaderTest, BothQueriesShareOneLockWait) {
     sqlite3* editor = opened(database, "BEGIN EXCLUSIVE");
     std::chrono::milliseconds slept{0};
     LockWaitBudget budget(LockWaitBudget::cursorTotal, [&](std::chrono::milliseconds span) { slept += span; });
-    EXPECT_EQ(inputTokens(readCursorDatabase(database, LocalCalendar{}, budget)), 0);
+    EXPECT_EQ(readCursorDatabase(database, LocalCalendar{}, budget), DayMap{});
     EXPECT_EQ(slept, 4000ms);
     sqlite3_close(editor);
 }
@@ -180,7 +171,7 @@ TEST_F(CursorReaderTest, AnUnchangedDatabaseIsNotOpenedAndAnyStampOrZoneChangeRe
 
         changes[change]();
         const auto fullRead = readCursorDatabase(database, LocalCalendar{});
-        EXPECT_EQ(inputTokens(fullRead), 111);
+        EXPECT_EQ(fullRead->begin()->second.inputTokens, 111);
         EXPECT_EQ(readCursorUsage(home.path(), LocalCalendar{}, cache), fullRead);
         EXPECT_EQ(cache, (CursorDayCache{currentCursorStamps(database, LocalCalendar{}).value(), fullRead.value()}));
     }
@@ -272,9 +263,7 @@ TEST(CursorFastPathTest, GivesTheReferenceRowsOrLeavesThemToTheReference) {
     const unsigned databases = 400;
     for (unsigned seed = 1; seed <= databases; ++seed) {
         SCOPED_TRACE(::testing::Message() << "seed " << seed);
-        sqlite3* database = nullptr;
-        sqlite3_open(":memory:", &database);
-        ASSERT_EQ(sqlite3_exec(database, generatedCursorTable(seed).c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3* database = opened(":memory:", generatedCursorTable(seed).c_str());
         const CursorRows reference = readCursorRowsByReference(database);
         const auto fast = readCursorRowsFast(database);
         sqlite3_close(database);

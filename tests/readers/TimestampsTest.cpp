@@ -35,8 +35,7 @@ TEST(Iso8601Test, AcceptedFormsGiveSecondsSince2001AndEverythingElseIsRefused) {
 
 TEST(ModificationDateTest, AnySecondsFromTheEarliestToTheLatest64BitTime) {
     const std::tuple<int64_t, long, double> cases[] = {
-        {1741942800, 500000000, 763635600.5},
-        {INT64_MIN + 978307200, 0, -9223372036854775808.0},
+        {1741942800, 500000000, 763635600.5}, {INT64_MIN + 978307200, 0, -9223372036854775808.0},
         {INT64_MIN, 999999999, -9223372036854775808.0 - 978307200.0 + 0.999999999},
         {INT64_MAX, 999999999, 9223372036854775807.0 - 978307200.0 + 0.999999999},
     };
