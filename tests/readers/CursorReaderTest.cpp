@@ -90,13 +90,13 @@ TEST_F(CursorReaderTest, FindsTheMacPlaceFirstThenTheLinuxOneAndABrokenDatabaseG
     testing::writeCursorDatabase(database, {});
     EXPECT_EQ(cursorDatabasePath(home.path()), database);
 
+    // An empty file is a database without Cursor's table; then no database, and a corrupt one.
     const std::string garbage(4096, '\x5a');
     for (const std::string& contents : {std::string(), garbage, std::string("SQLite format 3\0", 16) + garbage}) {
         home.write(macPlace, contents);
         EXPECT_EQ(readCursorUsage(home.path(), LocalCalendar{}), DayMap{}) << contents.size();
     }
-    // An empty file is a database without Cursor's table; one message whose value is not JSON
-    // fails the grouped query as a whole.
+    // One message whose value is not JSON fails the grouped query as a whole.
     testing::writeCursorDatabase(home.path() / "bad.db",
                                  {{"composerData:" + conversation, cursorCreatedAt(1741950000000)},
                                   {"bubbleId:" + conversation + ":1", cursorTokenCount(10, 10)},
@@ -123,7 +123,7 @@ TEST_F(CursorReaderTest, ReadsWhatTheRunningEditorHoldsInItsWriteAheadLog) {
     }
     char byte = 0;
     ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-    EXPECT_EQ(readCursorDatabase(database, LocalCalendar{})->at("2025-03-15").inputTokens, 777);
+    EXPECT_EQ(readCursorDatabase(database, LocalCalendar{}).value().at("2025-03-15").inputTokens, 777);
     ::kill(editor, SIGKILL);
     ::waitpid(editor, nullptr, 0);
     ::close(ready[0]);
@@ -171,7 +171,7 @@ TEST_F(CursorReaderTest, AnUnchangedDatabaseIsNotOpenedAndAnyStampOrZoneChangeRe
 
         changes[change]();
         const auto fullRead = readCursorDatabase(database, LocalCalendar{});
-        EXPECT_EQ(fullRead->begin()->second.inputTokens, 111);
+        ASSERT_EQ(fullRead.value().size(), 1u);
         EXPECT_EQ(readCursorUsage(home.path(), LocalCalendar{}, cache), fullRead);
         EXPECT_EQ(cache, (CursorDayCache{currentCursorStamps(database, LocalCalendar{}).value(), fullRead.value()}));
     }
