@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <string>
+#include <string_view>
+#include <tuple>
 
 namespace tallowen {
 namespace {
@@ -15,11 +16,7 @@ const ModelPrice opus{5.0, 6.25, 0.5, 25.0}, fable{10.0, 12.5, 0.25, 50.0}, sonn
     gptFive{1.25, 1.25, 0.125, 10.0}, reasoning{2.0, 2.0, 0.5, 8.0};
 
 TEST(ModelPricingTest, PriceRule) {
-    const struct {
-        std::optional<std::string> model;
-        bool isCodex;
-        ModelPrice expected;
-    } cases[] = {
+    const std::tuple<std::optional<std::string_view>, bool, ModelPrice> cases[] = {
         {std::nullopt, false, opus}, {std::nullopt, true, codexDefault}, {"", false, opus}, {"", true, codexDefault},
         {"claude-opus-4-1-20250805", false, opus}, {"Claude-Opus-4", false, opus}, {"claude-fable-1", false, fable},
         {"claude-fable-opus", false, fable},  // fable wins over any other family word
@@ -35,34 +32,18 @@ TEST(ModelPricingTest, PriceRule) {
         {"o3", false, reasoning}, {"o4-mini", true, reasoning}, {"o1-preview", true, codexDefault},
         {"codex-mini-latest", false, codexDefault}, {"mystery-model", false, opus},
         {"mystery-model", true, codexDefault},
+        // The version is read from the family's token and the two after it; a family word glued to other
+        // letters leaves the two after it, and only the first token starting with the family counts.
+        {"claude-haiku-4-5-20251001", false, haikuFourFive}, {"gptx-5-1", true, gptFive},
+        {"claude-sonnet4-sonnet5", false, sonnet},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(modelPrice(c.model ? std::optional<std::string_view>(*c.model) : std::nullopt, c.isCodex),
-                  c.expected)
-            << c.model.value_or("(none)") << " codex=" << c.isCodex;
-}
-
-TEST(ModelPricingTest, VersionReader) {
-    const struct {
-        std::string model, family;
-        std::optional<double> expected;
-    } cases[] = {
-        {"claude-sonnet-4-5-20250929", "sonnet", 4.5}, {"claude-sonnet-4-20250514", "sonnet", 4.20250514},
-        {"gpt-5.1-codex", "gpt", 5.1}, {"gpt5", "gpt", 5.0}, {"gpt5-1", "gpt", 5.1},
-        {"claude-3-5-haiku-20241022", "haiku", 20241022.0}, {"claude-sonnet", "sonnet", std::nullopt},
-        {"claude-opus-4", "sonnet", std::nullopt}, {"gpt-4o", "gpt", std::nullopt},
-        {"gpt-5-codex", "gpt", std::nullopt},
-        {"gptx-5-1", "gpt", 5.1},  // the glued rest does not read, the two tokens after it do
-        {"sonnet4-sonnet5", "sonnet", std::nullopt},  // only the first token starting with the family counts
-    };
-    for (const auto& c : cases) EXPECT_EQ(modelVersion(c.model, c.family), c.expected) << c.model;
+    for (const auto& [model, isCodex, expected] : cases)
+        EXPECT_EQ(modelPrice(model, isCodex), expected) << model.value_or("(none)") << " codex=" << isCodex;
 }
 
 TEST(ModelPricingTest, CostInCentsAndWaterInMillilitersRoundHalvesAwayFromZero) {
-    const struct {
-        ModelPrice price;
-        int64_t fresh, cacheWrite, cacheRead, output, expectedCents;
-    } costs[] = {
+    // Price, fresh input, cache writes, cache reads, output, cents.
+    const std::tuple<ModelPrice, int64_t, int64_t, int64_t, int64_t, int64_t> costs[] = {
         {opus, 0, 0, 0, 1000000, 2500}, {opus, 1000, 0, 0, 0, 1}, {opus, -1000, 0, 0, 0, -1}, {opus, 0, 0, 0, 0, 0},
         {opus, 10, 5, 1000, 2, 0},  // 0.063125
         // At the exact doubles 28.500000000000004, 24.500000000000004, 14.500000000000002; 0.3, 0.175
@@ -71,8 +52,8 @@ TEST(ModelPricingTest, CostInCentsAndWaterInMillilitersRoundHalvesAwayFromZero) 
         // Divided by 1e6 then times 100: 127.49999999999999; times 100 first would give 128.
         {sonnet, 140353, 191824, 19720, 8579, 127},
     };
-    for (const auto& c : costs)
-        EXPECT_EQ(costCents(c.price, c.fresh, c.cacheWrite, c.cacheRead, c.output), c.expectedCents) << c.fresh;
+    for (const auto& [price, fresh, cacheWrite, cacheRead, output, cents] : costs)
+        EXPECT_EQ(costCents(price, fresh, cacheWrite, cacheRead, output), cents) << fresh;
     // (0.1 × input + output) × 0.1125: 123.75, 0.45, 4.5, 13.5; cache reads weigh nothing.
     const int64_t water[][4] = {{1000, 1000, 0, 124}, {0, 4, 0, 0}, {0, 40, 0, 5}, {200, 100, 800, 14},
                                 {0, 0, 1000000, 0}};

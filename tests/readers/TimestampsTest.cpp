@@ -1,8 +1,11 @@
+#include "readers/FileStamp.hpp"
 #include "readers/Iso8601.hpp"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
+#include <tuple>
 
 namespace tallowen {
 namespace {
@@ -17,11 +20,7 @@ TEST(Iso8601Test, AcceptedFormsGiveSecondsSince2001AndEverythingElseIsRefused) {
         {"2024-02-29T23:59:59Z", 730943999.0}, {"2000-02-29T12:00:00Z", -26481600.0},
         {"1600-03-01T00:00:00Z", -12649219200.0}, {"9999-12-31T23:59:59Z", 252423993599.0},
     };
-    for (const auto& [text, seconds] : accepted) {
-        const auto date = parseIso8601Timestamp(text);
-        ASSERT_TRUE(date) << text;
-        EXPECT_EQ(date->secondsSinceReferenceDate, seconds) << text;
-    }
+    for (const auto& [text, seconds] : accepted) EXPECT_EQ(parseIso8601Timestamp(text), Date{seconds}) << text;
     const char* const refused[] = {
         "", "2025-01-31 09:15:02", "2025-01-31T09:15:02", "2025-01-31T09:15:02.123", "2025-01-31T09:15:02.Z",
         "2025-01-31T09:15:02,5Z", "2025-01-31T09:15:02Zjunk", "2025-01-31T09:15:02Z ", " 2025-01-31T09:15:02Z",
@@ -32,6 +31,23 @@ TEST(Iso8601Test, AcceptedFormsGiveSecondsSince2001AndEverythingElseIsRefused) {
         "2025-01-31t09:15:02Z",
     };
     for (const char* text : refused) EXPECT_FALSE(parseIso8601Timestamp(text)) << '"' << text << '"';
+}
+
+TEST(ModificationDateTest, AnySecondsFromTheEarliestToTheLatest64BitTime) {
+    const std::tuple<int64_t, long, double> cases[] = {
+        {1741942800, 500000000, 763635600.5}, {INT64_MIN + 978307200, 0, -9223372036854775808.0},
+        {INT64_MIN, 999999999, -9223372036854775808.0 - 978307200.0 + 0.999999999},
+        {INT64_MAX, 999999999, 9223372036854775807.0 - 978307200.0 + 0.999999999},
+    };
+    for (const auto& [seconds, nanoseconds, expected] : cases) {
+        struct stat status {};
+#if defined(__APPLE__)
+        status.st_mtimespec = {seconds, nanoseconds};
+#else
+        status.st_mtim = {seconds, nanoseconds};
+#endif
+        EXPECT_EQ(modificationDate(status), Date{expected}) << seconds;
+    }
 }
 
 }  // namespace
