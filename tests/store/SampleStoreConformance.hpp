@@ -7,25 +7,18 @@
 
 #include <functional>
 #include <memory>
-#include <ostream>
 
 namespace tallowen::testing {
 
-// How one SampleStore implementation opens the store kept at a path; an
-// implementation joins the conformance suite with INSTANTIATE_TEST_SUITE_P.
-struct SampleStoreFactory {
-    using Open = std::function<std::unique_ptr<SampleStore>(const std::filesystem::path&)>;
-    std::string name;
-    Open open;
-    Open openReadOnly;  // the same store, refusing every change
-};
-
-inline void PrintTo(const SampleStoreFactory& factory, std::ostream* out) { *out << factory.name; }
+// How one SampleStore implementation opens the store kept at a path, refusing
+// every change when asked to; an implementation joins the conformance suite
+// with INSTANTIATE_TEST_SUITE_P.
+using SampleStoreFactory = std::function<std::unique_ptr<SampleStore>(const std::filesystem::path&, bool readOnly)>;
 
 class SampleStoreConformance : public ::testing::TestWithParam<SampleStoreFactory> {
 protected:
     std::filesystem::path storePath() const { return dir_.path() / "store.sqlite"; }
-    std::unique_ptr<SampleStore> open() const { return GetParam().open(storePath()); }
+    std::unique_ptr<SampleStore> open(bool readOnly = false) const { return GetParam()(storePath(), readOnly); }
 
     TempDir dir_;
 };
