@@ -28,11 +28,6 @@ UsageSample storedDay(std::string dayKey, std::string tool, Date updatedAt, int6
     return {dayKey, tool, 2, requests, 100, 10, {9, 14}, 5, 2, 10.0, Date{1}, 20.0, Date{2}, "pro", updatedAt, {}};
 }
 
-// Inserted, updated, unchanged, duplicates removed.
-std::array<int64_t, 4> counts(const SampleWriteOutcome& outcome) {
-    return {outcome.inserted, outcome.updated, outcome.unchanged, outcome.duplicatesRemoved};
-}
-
 TEST(SampleWriterTest, WritesOnlyChangedDaysAndKeepsOneSamplePerKey) {
     testing::TempDir dir;
     const auto path = dir.path() / SqliteSampleStore::fileName;
@@ -57,14 +52,15 @@ TEST(SampleWriterTest, WritesOnlyChangedDaysAndKeepsOneSamplePerKey) {
     };
     const auto outcome = writeSamples(store, results, now);
     EXPECT_FALSE(outcome.error);
-    EXPECT_EQ(counts(outcome), (std::array<int64_t, 4>{1, 3, 1, 2}));
+    EXPECT_EQ((std::array{outcome.inserted, outcome.updated, outcome.unchanged, outcome.duplicatesRemoved}),
+              (std::array<int64_t, 4>{1, 3, 1, 2}));
     const auto samples = SqliteSampleStore(path).fetchAll();
     ASSERT_EQ(samples.size(), 13u);
     for (const auto& original : phone)
         EXPECT_EQ(storedFields(withId(samples, original.persistentId)), storedFields(original));
     EXPECT_EQ(withId(samples, "UsageSample/p10").updatedAt, stamped);
-    EXPECT_EQ(withId(samples, "UsageSample/p12").requests, 4);
-    EXPECT_EQ(withId(samples, "UsageSample/p12").updatedAt, now);
+    EXPECT_EQ(std::tuple(withId(samples, "UsageSample/p12").requests, withId(samples, "UsageSample/p12").updatedAt),
+              std::tuple(4, now));
 
     UsageSample rewritten = storedDay("2025-03-14", "cursor", now, 1);
     std::tie(rewritten.quotaPrimaryPercent, rewritten.quotaPrimaryResetAt) = std::tuple(50.0, Date{4});
