@@ -29,12 +29,7 @@ TEST(CallbackSampleStoreTest, AMalformedOrMissingAnswerIsAStoreFailureNeverData)
     EXPECT_THROW(store.count(), StoreError);
     EXPECT_THROW(store.slotPage(0, 1), StoreError);
     EXPECT_THROW(store.remove("x"), StoreError);  // no callback at all
-    try {
-        store.save();
-        FAIL();
-    } catch (const StoreError& error) {
-        EXPECT_STREQ(error.what(), "disque plein");
-    }
+    EXPECT_EQ(storeFailure([&] { store.save(); }), "disque plein");
 }
 
 }  // namespace

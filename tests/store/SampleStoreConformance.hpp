@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace tallowen::testing {
 
@@ -14,6 +15,16 @@ namespace tallowen::testing {
 // every change when asked to; an implementation joins the conformance suite
 // with INSTANTIATE_TEST_SUITE_P.
 using SampleStoreFactory = std::function<std::unique_ptr<SampleStore>(const std::filesystem::path&, bool readOnly)>;
+
+// The text of the StoreError an operation throws.
+inline std::string storeFailure(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const StoreError& error) {
+        return error.what();
+    }
+    return "no error";
+}
 
 class SampleStoreConformance : public ::testing::TestWithParam<SampleStoreFactory> {
 protected:
