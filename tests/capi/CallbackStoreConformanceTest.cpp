@@ -16,7 +16,7 @@ std::unique_ptr<SampleStore> openThroughCallbacks(const std::filesystem::path& p
 }
 
 INSTANTIATE_TEST_SUITE_P(CallbackTable, SampleStoreConformance,
-                         ::testing::Values(SampleStoreFactory{openThroughCallbacks}));
+                         ::testing::Values(SampleStoreFactory{"CallbackTable", openThroughCallbacks}));
 
 TEST(CallbackSampleStoreTest, AMalformedOrMissingAnswerIsAStoreFailureNeverData) {
     tw_store_callbacks table{};

@@ -67,7 +67,7 @@ TEST_P(SampleStoreConformance, CountsKeepsTheNewestDeletesTheRestOfASlotAndPages
 
 TEST_P(SampleStoreConformance, ACorruptFileFailsEveryOperationAndAReadOnlyStoreRefusesChanges) {
     dir_.write("corrupt.sqlite", std::string(4096, 'x'));
-    auto corrupt = GetParam()(dir_.path() / "corrupt.sqlite", false);
+    auto corrupt = GetParam().open(dir_.path() / "corrupt.sqlite", false);
     EXPECT_THROW(corrupt->fetchAll(), StoreError);
     EXPECT_THROW(corrupt->insert(everyFieldSet), StoreError);
     EXPECT_THROW(corrupt->count({"2025-03-14", "codex"}), StoreError);

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 
 namespace tallowen::testing {
@@ -14,7 +15,12 @@ namespace tallowen::testing {
 // How one SampleStore implementation opens the store kept at a path, refusing
 // every change when asked to; an implementation joins the conformance suite
 // with INSTANTIATE_TEST_SUITE_P.
-using SampleStoreFactory = std::function<std::unique_ptr<SampleStore>(const std::filesystem::path&, bool readOnly)>;
+struct SampleStoreFactory {
+    std::string name;
+    std::function<std::unique_ptr<SampleStore>(const std::filesystem::path&, bool readOnly)> open;
+};
+
+inline void PrintTo(const SampleStoreFactory& factory, std::ostream* out) { *out << factory.name; }
 
 // The text of the StoreError an operation throws.
 inline std::string storeFailure(const std::function<void()>& operation) {
@@ -29,7 +35,7 @@ inline std::string storeFailure(const std::function<void()>& operation) {
 class SampleStoreConformance : public ::testing::TestWithParam<SampleStoreFactory> {
 protected:
     std::filesystem::path storePath() const { return dir_.path() / "store.sqlite"; }
-    std::unique_ptr<SampleStore> open(bool readOnly = false) const { return GetParam()(storePath(), readOnly); }
+    std::unique_ptr<SampleStore> open(bool readOnly = false) const { return GetParam().open(storePath(), readOnly); }
 
     TempDir dir_;
 };

@@ -13,7 +13,7 @@ std::unique_ptr<SampleStore> openSqlite(const std::filesystem::path& path, bool 
     return std::make_unique<SqliteSampleStore>(path, readOnly ? Access::readOnly : Access::readWrite);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sqlite, SampleStoreConformance, ::testing::Values(SampleStoreFactory{openSqlite}));
+INSTANTIATE_TEST_SUITE_P(Sqlite, SampleStoreConformance, ::testing::Values(SampleStoreFactory{"Sqlite", openSqlite}));
 
 class SqliteSampleStoreTest : public ::testing::Test {
 protected:
