@@ -17,33 +17,20 @@ struct FreeText {
 using OwnedText = std::unique_ptr<char, FreeText>;
 constexpr auto npos = std::string::npos;
 
-class ImporterApiTest : public ::testing::Test {
-protected:
+TEST(ImporterApiTest, AnAbandonedPurgeIsDueAgainAndTheNextRunPurgesOnAThreadOfItsOwn) {
     TempDir scratch;
+    writeUsageHome(scratch, "home");
     MemorySettingsStore settingsValues;
     SqliteOpener opener{scratch.path() / "support" / SqliteSampleStore::fileName};
-    tw_importer* importer = nullptr;
-
-    void SetUp() override {
-        writeUsageHome(scratch, "home");
-        tw_settings* settings = tw_settings_create(memorySettingsTable(&settingsValues));
-        tw_activity* activity = tw_activity_create((scratch.path() / "support").c_str());
-        importer = tw_importer_create((scratch.path() / "home").c_str(), (scratch.path() / "support").c_str(),
-                                      settings, opener.table(), activity);
-        // The importer keeps what it needs: the caller's handles may go first.
-        tw_settings_free(settings);
-        tw_activity_free(activity);
-    }
-    void TearDown() override {
-        tw_importer_free(importer);
-        EXPECT_EQ(opener.released, 1);
-    }
-
-    std::string state() const { return OwnedText(tw_importer_state(importer)).get(); }
-};
-
-TEST_F(ImporterApiTest, AnAbandonedPurgeIsDueAgainAndTheNextRunPurgesOnAThreadOfItsOwn) {
+    tw_settings* settings = tw_settings_create(memorySettingsTable(&settingsValues));
+    tw_activity* activity = tw_activity_create((scratch.path() / "support").c_str());
+    tw_importer* importer = tw_importer_create((scratch.path() / "home").c_str(), (scratch.path() / "support").c_str(),
+                                               settings, opener.table(), activity);
+    // The importer keeps what it needs: the caller's handles may go first.
+    tw_settings_free(settings);
+    tw_activity_free(activity);
     ASSERT_NE(importer, nullptr);
+    const auto state = [importer] { return std::string(OwnedText(tw_importer_state(importer)).get()); };
     EXPECT_EQ(state(),
               R"({"isImporting":false,"lastImport":null,"lastError":null,"detectedTools":[],"todaySessions":0,)"
               R"("todayTokens":0,"todayCostCents":0,"purgeProgress":null})");
@@ -82,6 +69,8 @@ TEST_F(ImporterApiTest, AnAbandonedPurgeIsDueAgainAndTheNextRunPurgesOnAThreadOf
     EXPECT_NE(state().find(R"("detectedTools":["claude-code","codex","cursor"])"), npos) << state();
     EXPECT_TRUE(settingsValues.boolValue("usageSamplePurge.v1"));
     EXPECT_TRUE(settingsValues.dateValue("lastImportDate"));
+    tw_importer_free(importer);
+    EXPECT_EQ(opener.released, 1);
 }
 
 }  // namespace
