@@ -83,8 +83,7 @@ TEST(SampleWriterTest, StoreFailuresBecomeTheErrorAndWriteNothing) {
     SqliteSampleStore(path).count();
     SqliteSampleStore readOnly(path, SqliteSampleStore::Access::readOnly);
     const auto unwritable = writeSamples(readOnly, results, now);
-    EXPECT_EQ(unwritable.error, "attempt to write a readonly database");
-    EXPECT_EQ(unwritable.inserted, 0);
+    EXPECT_EQ(std::tuple(unwritable.error, unwritable.inserted), std::tuple("attempt to write a readonly database", 0));
     EXPECT_EQ(SqliteSampleStore(path).count(), 0);
 }
 
