@@ -78,15 +78,11 @@ struct SqliteOpener {
     tw_store_opener table() {
         tw_store_opener opener{};
         opener.context = this;
-        opener.open = [](void* c, tw_store_callbacks* store, tw_reply* reply) {
+        // The store opens its file lazily: a failure comes back from its first operation.
+        opener.open = [](void* c, tw_store_callbacks* store, tw_reply*) {
             auto& self = *static_cast<SqliteOpener*>(c);
-            try {
-                *store = sqliteStoreTable(new SqliteSampleStore(self.path, self.access));
-                return true;
-            } catch (const std::exception& error) {
-                tw_reply_failure(reply, error.what());
-                return false;
-            }
+            *store = sqliteStoreTable(new SqliteSampleStore(self.path, self.access));
+            return true;
         };
         opener.release = [](void* c) { ++static_cast<SqliteOpener*>(c)->released; };
         return opener;
