@@ -117,16 +117,11 @@ TEST(AppActivityRecorderTest, DayUsageFoldsStampsIntoEpisodesOfZeroTokens) {
     recorder.record(chatGPT, morning.addingSeconds(3600 + 7201));   // a new episode at 12:00
     recorder.record(chatGPT, testing::localDate(2025, 3, 15, 23, 59));
 
-    const ToolResults results = recorder.dayUsage(LocalCalendar{});
-    ASSERT_EQ(results.size(), 1u);
-    const DayMap& days = results.at(UsageTool::macChatGPT);
-    ASSERT_EQ(days.size(), 2u);
-    const DayUsage& first = days.at("2025-03-14");
-    EXPECT_EQ(first.sessions, (std::set<std::string>{"com.openai.chat#0", "com.openai.chat#1"}));
-    EXPECT_EQ(first.requests, 3);
-    EXPECT_EQ(first.episodeHours, (std::vector<int64_t>{9, 12}));
-    EXPECT_EQ(first.inputTokens + first.outputTokens + first.costCents + first.waterMilliliters, 0);
-    EXPECT_EQ(days.at("2025-03-15").requests, 1);
+    // Zero tokens, cost and water: an activation is a request and nothing more.
+    const DayMap expected = {
+        {"2025-03-14", {{"com.openai.chat#0", "com.openai.chat#1"}, 3, 0, 0, {9, 12}, 0, 0, std::nullopt}},
+        {"2025-03-15", {{"com.openai.chat#2"}, 1, 0, 0, {23}, 0, 0, std::nullopt}}};
+    EXPECT_EQ(recorder.dayUsage(LocalCalendar{}), (ToolResults{{UsageTool::macChatGPT, expected}}));
     EXPECT_TRUE(AppActivityRecorder(dir.path() / "none.json").dayUsage(LocalCalendar{}).empty());
 }
 
