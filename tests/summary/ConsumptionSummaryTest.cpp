@@ -131,9 +131,7 @@ UsageSample sample(const char* day, const char* tool, double updatedAt, const ch
 
 TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierTextInAnyOrder) {
     const std::tuple<const char*, std::vector<UsageSample>, std::vector<std::string>> cases[] = {
-        {"later updatedAt wins",
-         {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 11, "b")},
-         {"b"}},
+        {"later update wins", {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 11, "b")}, {"b"}},
         {"tie: identifier text sorting first, by code points",
          {sample("2025-03-14", "codex", 10, "x-10"), sample("2025-03-14", "codex", 10, "x-9"),
           sample("2025-03-14", "codex", 10, "X-99")},

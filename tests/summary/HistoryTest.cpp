@@ -48,10 +48,8 @@ TEST(UsageHistoryTest, RangeFromTheOptionsAPersonGives) {
     using Option = std::optional<std::string>;
     // The first and last day of the range, or the reason there is none.
     const std::tuple<Option, Option, Option, const char*> cases[] = {
-        {{}, {}, {}, "2025-03-18 2025-03-31"},
-        {"1", {}, {}, "2025-03-31 2025-03-31"},
-        {"3", {}, "2024-03-01", "2024-02-28 2024-03-01"},
-        {{}, "2025-03-30", {}, "2025-03-30 2025-03-31"},
+        {{}, {}, {}, "2025-03-18 2025-03-31"},                 {"1", {}, {}, "2025-03-31 2025-03-31"},
+        {"3", {}, "2024-03-01", "2024-02-28 2024-03-01"},      {{}, "2025-03-30", {}, "2025-03-30 2025-03-31"},
         {{}, "2025-01-01", "2025-01-01", "2025-01-01 2025-01-01"},
         {"0", {}, {}, "--days needs a whole number of days from 1 on, not 0"},
         {"2x", {}, {}, "--days needs a whole number of days from 1 on, not 2x"},
@@ -78,9 +76,8 @@ TEST(UsageHistoryTest, DayKeysStepOneCalendarDayAcrossClockChanges) {
 TEST(HistoryChartTest, BarsSplitByToolToTheNearestEighth) {
     constexpr int64_t huge = std::numeric_limits<int64_t>::max() / 2;
     const std::tuple<std::vector<int64_t>, int64_t, int, Cells> cases[] = {
-        {{10}, 10, 2, {{0, 8, -1}, {0, 8, -1}}},
-        {{5}, 10, 2, {{0, 8, -1}}},
-        {{1}, 16, 2, {{0, 1, -1}}},
+        {{10}, 10, 2, {{0, 8, -1}, {0, 8, -1}}}, {{5}, 10, 2, {{0, 8, -1}}}, {{1}, 16, 2, {{0, 1, -1}}},
+        {{4}, 0, 4, {}},                              // no scale: no bar
         {{1}, 40, 2, {}},                             // below half an eighth
         {{3, 13}, 16, 2, {{0, 3, 1}, {1, 8, -1}}},    // the first tool's end shares a cell with the second
         {{1, 1, 14}, 16, 2, {{0, 1, 2}, {2, 8, -1}}}, // a sliver between two tools does not show
@@ -89,7 +86,6 @@ TEST(HistoryChartTest, BarsSplitByToolToTheNearestEighth) {
         {{1, 0, 15}, 16, 2, {{0, 1, 2}, {2, 8, -1}}}, // an unused tool takes no room
         {{-4, 8}, 8, 1, {{1, 8, -1}}},                // a negative figure counts as zero
         {{huge, huge}, huge * 2, 1, {{0, 4, 1}}},     // sums far beyond 64-bit products
-        {{4}, 0, 4, {}},
     };
     for (const auto& [values, scale, columns, cells] : cases)
         EXPECT_EQ(historyBarCells(values, scale, columns), cells) << values.front();
@@ -99,8 +95,7 @@ TEST(HistoryChartTest, LaidOutForTheTerminalWidthWithGapsAndAWrappedLegend) {
     UsageHistory history;
     history.tools = {UsageTool::claudeCode, UsageTool::codex, UsageTool::cursor};
     history.toolTotals = {2500000, 1200, 800};
-    history.days = {{"2025-03-01", {2500000, 0, 0}, 2500000}, {"2025-03-02", {0, 0, 0}, 0},
-                    {"2025-03-03", {0, 1200, 800}, 2000}};
+    history.days = {{"2025-03-01", {2500000, 0, 0}, 2500000}, {"2025-03-03", {0, 1200, 800}, 2000}};
     history.largestDayTotal = 2500000;
     const IcuLocaleFormatter french("fr_FR");
 
