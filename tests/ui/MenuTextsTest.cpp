@@ -66,12 +66,9 @@ TEST(CountingTextTest, RunsFromItsAnchorAtTheStepsPaceAndNeverBackwards) {
     // Value, rate per second, seconds after the anchor, locale, text, seconds between ticks.
     const std::tuple<int64_t, double, double, const IcuLocaleFormatter&, const char*, double> cases[] = {
         {2500000, 0, 4000, english, "2.5 M", 60},  // a stopped counter shows the rounded figure
-        {1200, 5, 0.3, english, "1,201", 0.2},
-        {1200, 5, 10, french, "1" NNBSP "250", 0.2},
-        {1200, 5, -100, english, "1,200", 0.2},
-        {2400000, 250, 3.9, english, "2.400 M", 4},
-        {2400000, 250, 4, english, "2.401 M", 4},
-        {2400000, 250, 0, french, "2,400 M", 4},
+        {1200, 5, 0.3, english, "1,201", 0.2},        {1200, 5, 10, french, "1" NNBSP "250", 0.2},
+        {1200, 5, -100, english, "1,200", 0.2},       {2400000, 250, 3.9, english, "2.400 M", 4},
+        {2400000, 250, 4, english, "2.401 M", 4},     {2400000, 250, 0, french, "2,400 M", 4},
     };
     for (const auto& [value, rate, secondsAfterAnchor, locale, text, tickSeconds] : cases) {
         SCOPED_TRACE(text);
@@ -161,8 +158,7 @@ TEST(StatusLineTest, TodaysFiguresAndTheFullestFreshQuota) {
     older.updatedAt = now.addingSeconds(-60);
     older.requests = 1000;  // the same slot, written before: it does not count
     const std::vector<UsageSample> samples = {
-        codex, older,
-        SampleBuilder("2025-03-14", "phone-claude").tokens(4000).water(5000),  // counted, but no water
+        codex, older, SampleBuilder("2025-03-14", "phone-claude").tokens(4000).water(5000),  // counted, but no water
         SampleBuilder("2025-03-13", "claude-code").tokens(1).primaryQuota(87.9).updatedAt(now),
         SampleBuilder("2025-03-14", "cursor").secondaryQuota(88).updatedAt(now),  // as full, but later in order
         SampleBuilder("2025-03-01", "mac-chatgpt").primaryQuota(99).updatedAt(now.addingSeconds(-691201))};  // stale

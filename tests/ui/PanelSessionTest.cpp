@@ -265,7 +265,6 @@ TEST_F(PanelSessionTest, TextsThatFollowTheClockAreRecomputedOncePerSecondOrOnAn
 TEST(PanelFrameJsonTest, EveryKeyInOrderAbsentValuesAsNull) {
     PanelFrame frame;
     frame.cleaning = PanelCleaning{"NETTOYAGE DES MESURES", 0.37, "37 %", 0.37, "Une seule fois."};
-    frame.title = RoledText{"TALLOW_", TextRole::primary};
     frame.today.counter = PanelCounter{"2,4 M", "2,4", std::string("M"), true, 0.28, 0.2};
     frame.today.level = BottleLevel::full;
     frame.today.bottleRows = {"0110"};
@@ -280,7 +279,7 @@ TEST(PanelFrameJsonTest, EveryKeyInOrderAbsentValuesAsNull) {
     frame.nextFrameSeconds = 0.09;
     EXPECT_EQ(panelFrameJson(frame),
               R"({"cleaning":{"title":"NETTOYAGE DES MESURES","progress":0.37,"percentText":"37 %",)"
-              R"("barFraction":0.37,"note":"Une seule fois."},"title":{"text":"TALLOW_","role":"primary"},)"
+              R"("barFraction":0.37,"note":"Une seule fois."},"title":{"text":"","role":"primary"},)"
               R"("showsImportIndicator":false,"today":{"title":"","requestsText":"","requestsLabel":"",)"
               R"("tokensLabel":"","counter":{"text":"2,4 M","number":"2,4","unit":"M","animates":true,)"
               R"("transitionSeconds":0.28,"tickSeconds":0.2},"costText":"","waterTitle":"","waterText":"",)"
