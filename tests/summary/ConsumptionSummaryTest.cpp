@@ -1,17 +1,23 @@
 #include "model/DayKey.hpp"
 #include "summary/BottleLevel.hpp"
 #include "summary/ConsumptionSummary.hpp"
+#include "summary/DaySelection.hpp"
+#include "summary/OneSamplePerSlot.hpp"
 #include "support/Dates.hpp"
 #include "support/SampleBuilder.hpp"
+#include "support/Samples.hpp"
 #include "support/ScopedTimeZone.hpp"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace tallowen {
 namespace {
 
 using testing::localDate;
 using testing::SampleBuilder;
+using testing::slotSample;
 
 UsageSample used(const char* day, const char* tool, int64_t tokens, int64_t water, int64_t cost = 0) {
     return SampleBuilder(day, tool).tokens(tokens).water(water).cost(cost);
@@ -28,68 +34,49 @@ protected:
     }
 };
 
-TEST_F(ConsumptionSummaryTest, OnlyComputerSideToolsCount) {
-    const ConsumptionSummary summary = summarize(
-        {SampleBuilder("2026-03-10", "phone-chatgpt").tokens(100).water(50).primaryQuota(10).updatedAt(now_),
-         used("2026-03-10", "Claude-Code", 100, 50), used("2026-03-10", "", 1, 1)});
-    EXPECT_FALSE(summary.hasMacData);
-    EXPECT_EQ(summary.totalTokens + summary.allTimeWaterMilliliters + summary.todayWaterMilliliters, 0);
-    EXPECT_TRUE(summary.quotas.empty());
-}
-
 TEST_F(ConsumptionSummaryTest, WindowStartsTwentyNineDaysBeforeTodayAndHasNoUpperBound) {
     // Today is 31 March: the window opens on 2 March, the previous one on 31 January.
     // Of the two samples of today's Claude, only the one updated later counts.
-    const ConsumptionSummary summary = summarize(
+    const Date now = localDate(2026, 3, 31, 12);
+    const ConsumptionSummary s = summarize(
         {SampleBuilder("2026-03-31", "mac-claude").tokens(1000, 1000).cost(500).water(400).updatedAt(Date{-1}),
          used("2026-01-30", "codex", 1, 1), used("2026-01-31", "codex", 1, 10), used("2026-03-01", "codex", 1, 100),
          used("2026-03-02", "codex", 2, 1000, 3), used("2026-03-15", "cursor", 0, 7, 5),
-         used("2026-03-31", "mac-claude", 7, 20000, 11), used("2026-04-05", "claude-code", 5, 300000, 13)},
-        localDate(2026, 3, 31, 12));
-    EXPECT_EQ(summary.totalTokens, 14);
-    EXPECT_EQ(summary.totalCostCents, 32);
-    EXPECT_EQ(summary.totalWaterMilliliters, 321007);
-    EXPECT_EQ(summary.measuredDays, 3);  // 15 March has water but no token
-    EXPECT_EQ(summary.todayWaterMilliliters, 20000);
-    EXPECT_EQ(summary.previousWindowWaterMilliliters, 110);
+         used("2026-03-31", "mac-claude", 7, 20000, 11), used("2026-04-05", "claude-code", 5, 300000, 13),
+         // Only the computer's own tools count: not the phone's, a miswritten one or none.
+         SampleBuilder("2026-03-31", "phone-chatgpt").tokens(100).water(50).primaryQuota(10).updatedAt(now),
+         used("2026-03-31", "Claude-Code", 100, 50), used("2026-03-31", "", 1, 1)},
+        now);
+    // 15 March has water but no token, so three measured days. The usual day is
     // (321007 - 20000) over 2 March, 15 March and 5 April: today is left out.
-    EXPECT_EQ(summary.dayReferenceMilliliters, 100335);
-    EXPECT_EQ(summary.reliableSince, localDate(2026, 1, 30));
-    EXPECT_EQ(summary.allTimeWaterMilliliters, 321118);
+    EXPECT_EQ((std::vector<int64_t>{s.totalTokens, s.totalCostCents, s.totalWaterMilliliters, s.measuredDays,
+                                    s.todayWaterMilliliters, s.previousWindowWaterMilliliters,
+                                    s.dayReferenceMilliliters, s.allTimeWaterMilliliters}),
+              (std::vector<int64_t>{14, 32, 321007, 3, 20000, 110, 100335, 321118}));
+    EXPECT_EQ(s.reliableSince, localDate(2026, 1, 30));
+    EXPECT_TRUE(s.hasMacData && s.quotas.empty());
+    EXPECT_FALSE(summarize({}).hasMacData);
 }
 
-TEST_F(ConsumptionSummaryTest, ReferenceExcludesTodayAndPicksTheLevelAndLine) {
-    const struct {
-        std::vector<UsageSample> samples;
-        int64_t reference;
-        BottleLevel level;
-        const char* line;
-    } cases[] = {
-        {{used("2026-03-10", "codex", 5, 30)}, 0, BottleLevel::medium, "PREMIERS JOURS MESURÉS"},
+TEST_F(ConsumptionSummaryTest, ReferenceIsThePastDaysWithWaterAndPicksTheLine) {
+    const std::tuple<std::vector<UsageSample>, int64_t, const char*> cases[] = {
+        {{used("2026-03-10", "codex", 5, 30)}, 0, "PREMIERS JOURS MESURÉS"},
         {{used("2026-03-07", "codex", 1, 10), used("2026-03-08", "codex", 1, 10), used("2026-03-09", "cursor", 1, 20),
           used("2026-03-10", "codex", 1, 0)},
-         13, BottleLevel::empty, "RIEN AUJOURD'HUI"},
-        {{used("2026-03-09", "codex", 0, 20), used("2026-03-10", "codex", 0, 9)}, 20, BottleLevel::low, "SOUS TA MOYENNE"},
-        {{used("2026-03-08", "codex", 9, 0), used("2026-03-09", "codex", 0, 20), used("2026-03-10", "codex", 0, 10)}, 20,
-         BottleLevel::medium, "DANS TA MOYENNE"},
-        {{used("2026-03-09", "codex", 0, 20), used("2026-03-10", "codex", 0, 30)}, 20, BottleLevel::full,
-         "AU-DESSUS DE TA MOYENNE"},
-        {{used("2026-03-09", "codex", 0, 20), used("2026-03-10", "codex", 0, 60)}, 20, BottleLevel::overflow,
-         "LE TRIPLE DE TA MOYENNE"},
+         13, "RIEN AUJOURD'HUI"},
+        // A day with tokens but no water is no usual day: 9 ml today against 20 is under half.
+        {{used("2026-03-08", "codex", 9, 0), used("2026-03-09", "codex", 0, 20), used("2026-03-10", "codex", 0, 9)}, 20,
+         "SOUS TA MOYENNE"},
     };
-    for (const auto& c : cases) {
-        const ConsumptionSummary summary = summarize(c.samples);
-        EXPECT_EQ(summary.dayReferenceMilliliters, c.reference) << c.line;
-        EXPECT_EQ(bottleLevel(summary), c.level) << c.line;
-        EXPECT_EQ(waterComparisonLine(summary), c.line);
+    for (const auto& [samples, reference, line] : cases) {
+        const ConsumptionSummary summary = summarize(samples);
+        EXPECT_EQ(summary.dayReferenceMilliliters, reference) << line;
+        EXPECT_EQ(waterComparisonLine(summary), line);
     }
 }
 
 TEST_F(ConsumptionSummaryTest, ReliableStartIsTheUnbrokenStretchOfMeasuredDays) {
-    const struct {
-        std::vector<const char*> activeDays;
-        const char* expectedStart;
-    } cases[] = {
+    const std::pair<std::vector<const char*>, const char*> cases[] = {
         {{"2026-03-01", "2026-03-31", "2026-05-10"}, "2026-05-10"},
         {{"2026-03-01", "2026-03-30", "2026-04-29"}, "2026-03-01"},
         // Paris skips an hour in spring: 30 calendar days are 30 × 86400 − 3600 s and hold ...
@@ -98,50 +85,97 @@ TEST_F(ConsumptionSummaryTest, ReliableStartIsTheUnbrokenStretchOfMeasuredDays) 
         {{"2026-10-10", "2026-11-09"}, "2026-11-09"},
         {{"2026-01-01", "2026-01-02x", "2026-01-03"}, "2026-01-03"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [activeDays, expectedStart] : cases) {
         // Water of days without tokens counts from the start on, not before it.
         std::vector<UsageSample> samples = {used("2000-01-01", "codex", 0, 1000), used("2099-01-01", "cursor", 0, 1000)};
         int64_t expectedWater = 1000;
-        for (const char* day : c.activeDays) {
+        for (const char* day : activeDays) {
             samples.push_back(used(day, "codex", 1, 1));
-            if (std::string(day) >= c.expectedStart) expectedWater += 1;
+            if (std::string(day) >= expectedStart) expectedWater += 1;
         }
         const ConsumptionSummary summary = summarize(samples);
-        EXPECT_EQ(summary.reliableSince, dateOfDayKey(c.expectedStart, calendar_)) << c.expectedStart;
-        EXPECT_EQ(summary.allTimeWaterMilliliters, expectedWater) << c.expectedStart;
+        EXPECT_EQ(summary.reliableSince, dateOfDayKey(expectedStart, calendar_)) << expectedStart;
+        EXPECT_EQ(summary.allTimeWaterMilliliters, expectedWater) << expectedStart;
     }
     const ConsumptionSummary noTokens = summarize({used("2026-03-01", "codex", 0, 40)});
     EXPECT_FALSE(noTokens.reliableSince);
     EXPECT_EQ(noTokens.allTimeWaterMilliliters, 0);
 }
 
-TEST_F(ConsumptionSummaryTest, QuotasKeepEachToolsLatestFigures) {
-    const double eightDays = 691200;
+TEST_F(ConsumptionSummaryTest, QuotasKeepEachToolsLatestFiguresSortedByLabel) {
     const ConsumptionSummary summary = summarize({
-        SampleBuilder("2026-03-02", "claude-code").primaryQuota(40).updatedAt(now_.addingSeconds(-eightDays)).id("cc"),
-        SampleBuilder("2026-03-02", "codex").primaryQuota(50).updatedAt(now_.addingSeconds(-eightDays - 1)),
+        SampleBuilder("2026-03-02", "claude-code").primaryQuota(40).updatedAt(now_.addingSeconds(-100)).id("cc"),
         SampleBuilder("2026-03-09", "mac-chatgpt").secondaryQuota(1).updatedAt(now_.addingSeconds(-10)),
         // Written by one import: on equal `updatedAt` the newest day's reading wins.
         SampleBuilder("2026-03-08", "mac-chatgpt").primaryQuota(3).updatedAt(now_.addingSeconds(-5)),
         SampleBuilder("2026-03-10", "mac-chatgpt").secondaryQuota(2).updatedAt(now_.addingSeconds(-5)).id("first"),
-        SampleBuilder("2026-03-10", "claude-code").tokens(5).updatedAt(now_),
+        SampleBuilder("2026-03-10", "claude-code").tokens(5).updatedAt(now_),  // later, but without a quota
     });
-    // Sorted by label: CHATGPT before CLAUDE CODE.
-    ASSERT_EQ(summary.quotas.size(), 2u);
-    EXPECT_EQ(summary.quotas[0].tool, UsageTool::macChatGPT);
-    EXPECT_EQ(summary.quotas[0].sample.persistentId, "first");
-    EXPECT_EQ(summary.quotas[1].sample.persistentId, "cc");
+    std::vector<std::string> kept;
+    for (const ToolQuota& quota : summary.quotas) kept.push_back(quota.sample.persistentId);
+    EXPECT_EQ(kept, (std::vector<std::string>{"first", "cc"}));
 
-    const struct {
-        std::vector<UsageSample> samples;
-        bool withoutQuota;
-    } claudeCode[] = {
-        {{used("2026-03-10", "claude-code", 5, 0)}, true},
-        {{SampleBuilder("2026-03-09", "claude-code").primaryQuota(12).updatedAt(now_.addingSeconds(-3600))}, false},
-        {{SampleBuilder("2026-03-01", "claude-code").primaryQuota(12).updatedAt(now_.addingSeconds(-eightDays - 1))}, true},
-        {{used("2026-03-10", "codex", 5, 0)}, false},
+    const std::pair<UsageSample, bool> claudeCode[] = {
+        {used("2026-03-10", "claude-code", 5, 0), true},
+        {SampleBuilder("2026-03-09", "claude-code").primaryQuota(12).updatedAt(now_.addingSeconds(-3600)), false},
+        {SampleBuilder("2026-03-01", "claude-code").primaryQuota(12).updatedAt(now_.addingSeconds(-691201)), true},
+        {used("2026-03-10", "codex", 5, 0), false},
     };
-    for (const auto& c : claudeCode) EXPECT_EQ(summarize(c.samples).hasClaudeCodeWithoutQuota, c.withoutQuota);
+    for (const auto& [sample, withoutQuota] : claudeCode)
+        EXPECT_EQ(summarize({sample}).hasClaudeCodeWithoutQuota, withoutQuota) << sample.dayKey;
+}
+
+UsageSample sample(const char* day, const char* tool, double updatedAt, const char* id) {
+    return SampleBuilder(day, tool).updatedAt(Date{updatedAt}).id(id);
+}
+
+TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierTextInAnyOrder) {
+    const std::tuple<const char*, std::vector<UsageSample>, std::vector<std::string>> cases[] = {
+        {"later update wins", {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 11, "b")}, {"b"}},
+        {"tie: identifier text sorting first, by code points",
+         {sample("2025-03-14", "codex", 10, "x-10"), sample("2025-03-14", "codex", 10, "x-9"),
+          sample("2025-03-14", "codex", 10, "X-99")},
+         {"X-99"}},
+        {"slots are day and tool, unknown tools included, sorted by day then tool",
+         {sample("2025-03-15", "codex", 1, "1"), sample("2025-03-14", "phone-new-tool", 1, "2"),
+          sample("2025-03-14", "codex", 1, "3"), sample("2025-03-14", "claude-code", 1, "4")},
+         {"4", "3", "2", "1"}},
+        {"day and tool stay apart even where their joined texts would meet",
+         {sample("d", "codex", 1, "1"), sample("d|codex", "", 1, "2"), sample("d", "|codex", 1, "3")},
+         {"1", "3", "2"}},
+        {"nothing", {}, {}},
+    };
+    for (auto [name, samples, kept] : cases) {
+        SCOPED_TRACE(name);
+        for (const bool reversed : {false, true}) {
+            if (reversed) std::reverse(samples.begin(), samples.end());
+            std::vector<std::string> ids;
+            for (const auto& s : oneSamplePerSlot(samples)) ids.push_back(s.persistentId);
+            EXPECT_EQ(ids, kept);
+        }
+    }
+    // An identical identifier keeps the sample held.
+    std::vector<UsageSample> twins = {sample("2025-03-14", "codex", 10, "a"), sample("2025-03-14", "codex", 10, "a")};
+    twins[1].requests = 2;
+    const auto held = oneSamplePerSlot(twins);
+    EXPECT_TRUE(held.size() == 1 && held[0].requests == 0);
+}
+
+TEST(DaySelectionTest, OneSamplePerSlotThenTheSelectedDaysAndTool) {
+    const std::vector<UsageSample> stored = {
+        slotSample("2025-03-01", "phone-newtool", Date{5}, 1), slotSample("2025-03-02", "codex", Date{5}, 2),
+        slotSample("2025-03-02", "codex", Date{9}, 3),         slotSample("2025-03-03", "claude-code", Date{5}, 4),
+        slotSample("2025-03-04", "codex", Date{5}, 5),
+    };
+    const std::pair<DaySelection, std::vector<int64_t>> cases[] = {
+        {{}, {1, 3, 4, 5}},       {{"2025-03-02", "2025-03-03", {}}, {3, 4}}, {{{}, {}, "codex"}, {3, 5}},
+        {{"2025-03-04", {}, "codex"}, {5}}, {{{}, {}, "phone-newtool"}, {1}},     {{{}, {}, "claude"}, {}},
+    };
+    for (const auto& [selection, expected] : cases) {
+        std::vector<int64_t> requests;
+        for (const UsageSample& sample : selectedDays(stored, selection)) requests.push_back(sample.requests);
+        EXPECT_EQ(requests, expected) << selection.since.value_or("") << selection.tool.value_or("");
+    }
 }
 
 }  // namespace

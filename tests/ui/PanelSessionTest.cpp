@@ -2,7 +2,10 @@
 #include "support/Dates.hpp"
 #include "support/SampleBuilder.hpp"
 #include "support/ScopedTimeZone.hpp"
+#include "ui/MenuModel.hpp"
+#include "ui/PanelLayout.hpp"
 #include "ui/PanelSession.hpp"
+#include "ui/TypewriterTitle.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,11 +16,23 @@ namespace {
 
 using testing::localDate;
 using testing::SampleBuilder;
+using Texts = std::vector<std::string>;
 
+#define NBSP "\u00a0"
 #define NNBSP "\u202f"
 
-class PanelSessionTest : public ::testing::Test {
+UsageSample sample(const char* day, const char* tool, int64_t requests, int64_t tokens, int64_t cents, int64_t ml,
+                   Date updatedAt) {
+    UsageSample s = SampleBuilder(day, tool).tokens(tokens).cost(cents).water(ml).updatedAt(updatedAt);
+    s.requests = requests;
+    return s;
+}
+
+class MenuModelTest : public ::testing::Test {
 protected:
+    MenuModel compute(const std::vector<UsageSample>& samples, ImporterState importer = {}, CloudSyncState sync = {}) {
+        return computeMenuModel(MenuInputs{samples, std::move(importer), std::move(sync), now, calendar, french});
+    }
     // A session whose title has long come to rest, its cursor shown for 0.25 s more.
     PanelSession session(PanelOptions options = {}) const {
         return PanelSession(french, calendar, options, now.addingSeconds(-3600.25));
@@ -29,28 +44,93 @@ protected:
     testing::ScopedTimeZone zone{"Europe/Paris"};
     LocalCalendar calendar;
     IcuLocaleFormatter french{"fr_FR"};
-    // Saturday 7 March 2026, 14:05 in Paris.
-    Date now = localDate(2026, 3, 7, 14, 5);
+    Date now = localDate(2026, 3, 7, 14, 5);  // Saturday 7 March 2026 in Paris
 };
+
+using PanelSessionTest = MenuModelTest;
+
+TEST_F(MenuModelTest, AWeekOfSamplesFillsTodayTheWeekAndTheImportersLines) {
+    const Date earlier = now.addingSeconds(-3600);
+    const std::vector<UsageSample> samples = {
+        sample("2026-03-07", "claude-code", 99, 1, 1, 1, earlier.addingSeconds(-60)),  // an older copy of the slot
+        sample("2026-03-07", "claude-code", 12, 340000, 1250, 300, earlier),
+        sample("2026-03-07", "codex", 3, 12500, 40, 100, earlier),
+        sample("2026-03-07", "phone-chatgpt", 2, 0, 0, 0, earlier),
+        sample("2026-03-07", "future-tool", 50, 5, 5, 5, earlier),
+        sample("2026-03-01", "claude-code", 20, 2500000, 900, 600, earlier),
+        sample("2026-02-28", "claude-code", 40, 1000000, 100, 400, earlier),  // the day before the week
+    };
+    ImporterState importer;
+    importer.detectedTools = {UsageTool::cursor, UsageTool::codex, UsageTool::claudeCode};
+    importer.lastImport = localDate(2026, 3, 7, 13, 58);
+
+    const MenuModel m = compute(samples, importer);
+    // 400 ml today against (1400 − 400) ÷ 2 = 500 ml on a usual day.
+    EXPECT_EQ((Texts{m.todayRequestsText, m.todayTokensText, m.todayCostText, m.todayWaterText, m.comparisonLine,
+                     m.weekLine, m.detectedToolsText, *m.lastImportText}),
+              (Texts{"17", "352 k", "13" NBSP "$US au tarif API", "0,4 L", "DANS TA MOYENNE",
+                     "37 recours · 2,9 M · 22" NBSP "$US", "CLAUDE CODE · CODEX · CURSOR", "Import 13:58"}));
+    // (352500 + 2500000 + 1000000) ÷ 3 measured days, spread over 57600 s.
+    EXPECT_DOUBLE_EQ(m.tokenRatePerSecond, 1284166.0 / 57600.0);
+    Texts rows;
+    for (const MenuToolRow& row : m.toolRows) rows.push_back(row.label + " " + row.figuresText);
+    EXPECT_EQ(rows, (Texts{"CHATGPT 2 · 0", "CLAUDE CODE 12 · 340 k", "CODEX 3 · 12 k"}));
+}
+
+TEST_F(MenuModelTest, CloudWarningsAndStatusLinesTurnStaleAfterThreeHours) {
+    // Syncing, seconds since the last success, the warning, its text and the status line.
+    const std::tuple<bool, std::optional<double>, CloudWarningKind, const char*, const char*> cases[] = {
+        {true, 20000, CloudWarningKind::syncing, "Synchro iCloud en cours…", "iCloud · synchro…"},
+        {false, std::nullopt, CloudWarningKind::never, "Synchro iCloud jamais réussie sur ce Mac.",
+         "iCloud · jamais connecté"},
+        {false, -60, CloudWarningKind::none, "", "iCloud · connecté 14:06"},
+        {false, 10800, CloudWarningKind::none, "", "iCloud · connecté 11:05"},
+        {false, 10801, CloudWarningKind::stale, "Synchro iCloud bloquée depuis il y a 3 heures.",
+         "iCloud · bloquée depuis il y a 3 heures"},
+        {false, 3 * 86400, CloudWarningKind::stale, "Synchro iCloud bloquée depuis il y a 3 jours.",
+         "iCloud · bloquée depuis il y a 3 jours"},
+    };
+    for (const auto& [syncing, secondsSinceSuccess, warning, warningText, statusLine] : cases) {
+        SCOPED_TRACE(statusLine);
+        CloudSyncState sync;
+        sync.isSyncing = syncing;
+        if (secondsSinceSuccess) sync.lastSuccessfulSync = now.addingSeconds(-*secondsSinceSuccess);
+        const MenuModel model = compute({}, {}, sync);
+        EXPECT_EQ(model.cloudWarning, warning);
+        EXPECT_EQ((Texts{model.cloudWarningText, model.syncStatusLine}), (Texts{warningText, statusLine}));
+        EXPECT_EQ(model.showsRelaunch, warning == CloudWarningKind::never || warning == CloudWarningKind::stale);
+    }
+}
+
+TEST_F(MenuModelTest, DevelopmentBadgeAndWeekDaysAcrossMonthEndsAndClockChanges) {
+    for (const char* production : {"Production", "production"}) EXPECT_FALSE(developmentBadge(std::string(production)));
+    EXPECT_FALSE(developmentBadge(std::nullopt));
+    EXPECT_EQ(developmentBadge(std::string("")), "DEVELOPMENT");
+    EXPECT_EQ(weekDayKeys(localDate(2026, 3, 3, 0, 30), calendar),
+              (Texts{"2026-03-03", "2026-03-02", "2026-03-01", "2026-02-28", "2026-02-27", "2026-02-26",
+                     "2026-02-25"}));
+    EXPECT_EQ(weekDayKeys(localDate(2026, 3, 30, 23, 30), calendar).back(), "2026-03-24");
+}
 
 TEST_F(PanelSessionTest, AnEmptyStoreGivesTheEmptyPanelAndOnlyTheOfferedCommands) {
     PanelSession terminal = session();
     terminal.importerChanged(ImporterState{});
     const PanelFrame frame = terminal.frame(now);
-    EXPECT_EQ(frame.today.counter.text, "0");
+    const MenuModel& m = terminal.model();
+    EXPECT_EQ((Texts{m.todayRequestsText, frame.today.counter.text, m.todayCostText, m.todayWaterText,
+                     m.waterEquivalentText, m.comparisonLine, m.weekLine, m.detectedToolsText}),
+              (Texts{"00", "0", "? au tarif API", "0,0 L", "\u2248 1 bouteilles", "PREMIERS JOURS MESURÉS",
+                     "0 recours · 0 · ?", std::string(menu_text::noDetectedTools)}));
+    EXPECT_EQ(m.tokenRatePerSecond, 0);
     EXPECT_EQ(frame.today.bottleRows.size(), 44u);
     EXPECT_EQ(frame.detectedTools.role, TextRole::dimmed);
     EXPECT_EQ(frame.footer.importRole, TextRole::primary);
-    EXPECT_FALSE(frame.cleaning || frame.quotas || frame.cloudWarning || frame.loginItem || frame.updateButton ||
-                 frame.footer.syncStatusLine);
+    EXPECT_FALSE(frame.cleaning || !frame.toolRows.empty() || frame.quotas || frame.errorLine || frame.cloudWarning ||
+                 frame.loginItem || frame.updateButton || frame.footer.lastImportText || frame.footer.syncStatusLine);
 
-    PanelSession mac = session(PanelOptions{true, true, true});
-    mac.loginItemChanged(true);
-    const PanelFrame full = mac.frame(now);
-    ASSERT_TRUE(full.cloudWarning && full.loginItem && full.updateButton);
-    EXPECT_EQ(full.cloudWarning->kind, CloudWarningKind::never);
-    EXPECT_TRUE(full.cloudWarning->showsRelaunch && full.loginItem->isOn);
-    EXPECT_EQ(full.footer.syncStatusLine, "iCloud · jamais connecté");
+    const PanelFrame mac = session(PanelOptions{true, true, true}).frame(now);
+    EXPECT_TRUE(mac.cloudWarning && mac.loginItem && mac.updateButton);
+    EXPECT_EQ(mac.footer.syncStatusLine, "iCloud · jamais connecté");
 }
 
 TEST_F(PanelSessionTest, ToolsComeFromTheStoreOnlyWhenNoRunFoundThem) {
@@ -66,11 +146,10 @@ TEST_F(PanelSessionTest, ToolsComeFromTheStoreOnlyWhenNoRunFoundThem) {
     state.isImporting = true;
     panel.importerChanged(state);
     const PanelFrame importing = panel.frame(now);
-    EXPECT_EQ(importing.detectedTools.role, TextRole::dimmed);
-    EXPECT_TRUE(importing.showsImportIndicator);
+    EXPECT_EQ(std::pair(importing.detectedTools.role, importing.footer.importRole),
+              std::pair(TextRole::dimmed, TextRole::disabled));
+    EXPECT_TRUE(importing.showsImportIndicator && !importing.footer.importEnabled);
     EXPECT_EQ(importing.footer.importLabel, "IMPORT…");
-    EXPECT_FALSE(importing.footer.importEnabled);
-    EXPECT_EQ(importing.footer.importRole, TextRole::disabled);
 }
 
 TEST_F(PanelSessionTest, AStoreFailureStandsInForTheLastErrorUntilTheStoreIsReadAgain) {
@@ -98,17 +177,14 @@ TEST_F(PanelSessionTest, TheCleaningViewReplacesThePanelWhileThePurgeRuns) {
     EXPECT_EQ(frame.cleaning->note, "Une seule fois. Les doublons partent, tes chiffres restent.");
     EXPECT_FALSE(frame.showsImportIndicator);
     // The percent rounds half up; the bar stops at its ends.
-    const struct {
-        double progress;
-        const char* text;
-        double fraction;
-    } cases[] = {{0.004, "0 %", 0.004}, {0.005, "1 %", 0.005}, {1.234, "123 %", 1}, {-0.2, "-20 %", 0},
-                 {std::numeric_limits<double>::quiet_NaN(), "0 %", 0}};
-    for (const auto& c : cases) {
-        purging.purgeProgress = c.progress;
+    const std::tuple<double, const char*, double> cases[] = {
+        {0.004, "0 %", 0.004}, {0.005, "1 %", 0.005},         {1.234, "123 %", 1},
+        {-0.2, "-20 %", 0},    {std::numeric_limits<double>::quiet_NaN(), "0 %", 0}};
+    for (const auto& [progress, text, fraction] : cases) {
+        purging.purgeProgress = progress;
         panel.importerChanged(purging);
-        EXPECT_EQ(panel.frame(now).cleaning->percentText, c.text) << c.progress;
-        EXPECT_DOUBLE_EQ(panel.frame(now).cleaning->barFraction, c.fraction) << c.progress;
+        EXPECT_EQ(panel.frame(now).cleaning->percentText, text) << progress;
+        EXPECT_DOUBLE_EQ(panel.frame(now).cleaning->barFraction, fraction) << progress;
     }
     purging.purgeProgress.reset();
     panel.importerChanged(purging);
@@ -122,6 +198,18 @@ TEST_F(PanelSessionTest, TheTitleTypesFromTheStartAndRestsOnTheWordmark) {
     EXPECT_EQ(panel.frame(now.addingSeconds(0.5)).title.text, "TALLOW ");
     EXPECT_EQ(panel.nextFrameDate(now.addingSeconds(0.5)), now.addingSeconds(0.54));
     EXPECT_EQ(panel.frameAtRest(now).title.text, "TALLOWEN_");
+}
+
+TEST(TypewriterTitleTest, TypesPausesErasesThePhrasesAndRestsOnTheWordmark) {
+    const auto timeline = typewriterTimeline();
+    // A letter every 90 ms, a pause of 545 ms, a letter erased every 45 ms, 400 ms before the next phrase.
+    const std::pair<double, const char*> texts[] = {{-1, ""},          {0, "T"},         {89, "T"},
+                                                    {90, "TA"},        {1174, "TALLOWEN"}, {1175, "TALLOWE"},
+                                                    {1490, ""},        {1890, "B"},      {1000000, "TALLOWEN"}};
+    for (const auto& [milliseconds, text] : texts)
+        EXPECT_EQ(typewriterTextAt(timeline, milliseconds), text) << milliseconds;
+    for (const auto& [milliseconds, visible] : {std::pair{499, true}, {500, false}, {1000, true}})
+        EXPECT_EQ(typewriterCursorVisibleAt(milliseconds), visible) << milliseconds;
 }
 
 TEST_F(PanelSessionTest, TheCounterAppearsThenClimbsAndMovesToEachNewValue) {
@@ -156,11 +244,18 @@ TEST_F(PanelSessionTest, TextsThatFollowTheClockAreRecomputedOncePerSecondOrOnAn
     UsageSample codex = today("codex", 10);
     codex.quotaPrimaryPercent = 85;
     codex.quotaPrimaryResetAt = now.addingSeconds(3600.5);
+    codex.quotaSecondaryPercent = 12;
+    codex.quotaPlan = "plus";
     PanelSession panel = session();
     panel.samplesReloaded({codex});
+    const PanelQuotaBlock block = panel.frame(now).quotas->blocks.at(0);
+    ASSERT_EQ(block.bars.size(), 2u);
+    EXPECT_EQ(block.label + " " + *block.plan + " " + block.bars[0].title + " " + block.bars[0].percentText + " " +
+                  *block.bars[0].resetText + " " + block.bars[1].title + " " + block.bars[1].percentText,
+              "CODEX PLUS 5H 85 % reset 1 h 7J 12 %");
+    EXPECT_EQ(std::pair(block.bars[0].role, block.bars[1].role), std::pair(TextRole::warning, TextRole::primary));
+    EXPECT_FALSE(block.bars[1].resetText);
     const auto reset = [&](Date at) { return panel.frame(at).quotas->blocks.at(0).bars.at(0).resetText; };
-    EXPECT_EQ(reset(now), "reset 1 h");
-    EXPECT_EQ(panel.frame(now).quotas->blocks[0].bars[0].role, TextRole::warning);
     EXPECT_EQ(reset(now.addingSeconds(0.9)), "reset 1 h");
     EXPECT_EQ(reset(now.addingSeconds(1)), "reset 59 min");
     panel.importerChanged(ImporterState{});
@@ -170,7 +265,6 @@ TEST_F(PanelSessionTest, TextsThatFollowTheClockAreRecomputedOncePerSecondOrOnAn
 TEST(PanelFrameJsonTest, EveryKeyInOrderAbsentValuesAsNull) {
     PanelFrame frame;
     frame.cleaning = PanelCleaning{"NETTOYAGE DES MESURES", 0.37, "37 %", 0.37, "Une seule fois."};
-    frame.title = RoledText{"TALLOW_", TextRole::primary};
     frame.today.counter = PanelCounter{"2,4 M", "2,4", std::string("M"), true, 0.28, 0.2};
     frame.today.level = BottleLevel::full;
     frame.today.bottleRows = {"0110"};
@@ -185,7 +279,7 @@ TEST(PanelFrameJsonTest, EveryKeyInOrderAbsentValuesAsNull) {
     frame.nextFrameSeconds = 0.09;
     EXPECT_EQ(panelFrameJson(frame),
               R"({"cleaning":{"title":"NETTOYAGE DES MESURES","progress":0.37,"percentText":"37 %",)"
-              R"("barFraction":0.37,"note":"Une seule fois."},"title":{"text":"TALLOW_","role":"primary"},)"
+              R"("barFraction":0.37,"note":"Une seule fois."},"title":{"text":"","role":"primary"},)"
               R"("showsImportIndicator":false,"today":{"title":"","requestsText":"","requestsLabel":"",)"
               R"("tokensLabel":"","counter":{"text":"2,4 M","number":"2,4","unit":"M","animates":true,)"
               R"("transitionSeconds":0.28,"tickSeconds":0.2},"costText":"","waterTitle":"","waterText":"",)"
@@ -200,6 +294,42 @@ TEST(PanelFrameJsonTest, EveryKeyInOrderAbsentValuesAsNull) {
               R"("footer":{"importLabel":"","importEnabled":true,"importRole":"disabled","syncLabel":"",)"
               R"("quitLabel":"","lastImportText":null,"syncStatusLine":null,"developmentBadge":null,)"
               R"("developmentBadgeHelp":""},"nextFrameSeconds":0.09})");
+}
+
+TEST(PanelLayoutTest, TheMostGenerousLayoutThatFitsTheTerminal) {
+    // Heights with the content at hand: full 41 lines, compact with its bottle 21, without 17.
+    const auto heightOf = [](PanelLayout layout) {
+        return layout == PanelLayout::full ? 41 : layout == PanelLayout::compactWithBottle ? 21 : 17;
+    };
+    const std::tuple<std::optional<TerminalExtent>, PanelLayout, int> cases[] = {
+        {std::nullopt, PanelLayout::full, 48},  // piped: the whole panel
+        {TerminalExtent{48, 41}, PanelLayout::full, 48},
+        {TerminalExtent{200, 40}, PanelLayout::compactWithBottle, 48},
+        {TerminalExtent{80, 24}, PanelLayout::compactWithBottle, 48},
+        {TerminalExtent{47, 60}, PanelLayout::compactWithBottle, 47},  // too narrow for the full panel
+        {TerminalExtent{80, 20}, PanelLayout::compact, 48},
+        {TerminalExtent{40, 5}, PanelLayout::compact, 40},  // the smallest one even when it does not fit
+        {TerminalExtent{39, 80}, PanelLayout::tooNarrow, 39},
+    };
+    for (const auto& [terminal, expected, columns] : cases) {
+        const PanelLayout layout = choosePanelLayout(terminal, heightOf);
+        EXPECT_EQ(layout, expected) << (terminal ? terminal->columns : 0);
+        EXPECT_EQ(panelColumns(layout, terminal), columns);
+    }
+}
+
+TEST(PanelLayoutTest, CutToTheRowsKeepingTheTopAndTheKeys) {
+    const std::vector<std::string> lines = {"title", "today", "water", "keys"};
+    EXPECT_EQ(linesWithinRows(lines, 4, true), lines);
+    EXPECT_EQ(linesWithinRows(lines, 3, true), (std::vector<std::string>{"title", "today", "keys"}));
+    EXPECT_EQ(linesWithinRows(lines, 3, false), (std::vector<std::string>{"title", "today", "water"}));
+    EXPECT_EQ(linesWithinRows(lines, 0, false), (std::vector<std::string>{"title"}));
+}
+
+TEST(PanelLayoutTest, HalvedBitmapsKeepOneCellOutlines) {
+    EXPECT_EQ(halvedPixelRows({"0100", "0000", "0001", "0000", "11"}),
+              (std::vector<std::string>{"10", "01", "1"}));
+    EXPECT_TRUE(halvedPixelRows({}).empty());
 }
 
 }  // namespace

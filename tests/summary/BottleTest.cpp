@@ -1,5 +1,7 @@
 #include "summary/BottleBitmaps.hpp"
+#include "summary/BottleLevel.hpp"
 #include "summary/PixelGrid.hpp"
+#include "summary/WaterEquivalent.hpp"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +12,24 @@ namespace {
 
 constexpr std::string_view water = "000101111111111110101000";
 constexpr std::string_view blank = "000000000000000000000000";
+
+TEST(BottleLevelTest, RatioBoundariesBelongToTheHigherLevelAndEachLevelHasItsLine) {
+    const std::tuple<int64_t, int64_t, BottleLevel> cases[] = {
+        {0, 20, BottleLevel::empty},   {-5, 20, BottleLevel::empty},   {1, 0, BottleLevel::medium},
+        {500, -3, BottleLevel::medium}, {9, 20, BottleLevel::low},      {10, 20, BottleLevel::medium},
+        {29, 20, BottleLevel::medium},  {30, 20, BottleLevel::full},    {59, 20, BottleLevel::full},
+        {60, 20, BottleLevel::overflow},
+    };
+    for (const auto& [today, reference, level] : cases)
+        EXPECT_EQ(bottleLevel(today, reference), level) << today << " / " << reference;
+    const char* lines[] = {"RIEN AUJOURD'HUI", "SOUS TA MOYENNE", "DANS TA MOYENNE", "AU-DESSUS DE TA MOYENNE",
+                           "LE TRIPLE DE TA MOYENNE"};
+    for (const BottleLevel level : allBottleLevels) {
+        EXPECT_EQ(bottleLevelFromRawValue(rawValue(level)), level);
+        EXPECT_EQ(comparisonLine(level), lines[rawValue(level)]);
+    }
+    for (const int64_t raw : {-1LL, 5LL, 4294967298LL}) EXPECT_FALSE(bottleLevelFromRawValue(raw)) << raw;
+}
 
 TEST(BottleBitmapsTest, FiveBitmapsOf44RowsOf24CellsWithTheWaterRisingFromTheBevel) {
     const size_t waterRows[] = {0, 7, 14, 25, 25};
@@ -30,23 +50,20 @@ TEST(BottleBitmapsTest, FiveBitmapsOf44RowsOf24CellsWithTheWaterRisingFromTheBev
 
 TEST(PixelGridTest, SquareCellsAsLargeAsFitCentredInTheRectangle) {
     const PixelGridShape bottle = PixelGridShape::fromRows(bottleBitmap(BottleLevel::empty));
-    const struct {
-        PixelRect bounds;
-        double cell, left, top;
-    } cases[] = {
+    const std::tuple<PixelRect, double, double, double> cases[] = {
         {{0, 0, 48, 44}, 1, 12, 0},  // 12 points on each side
         {{10, 20, 24, 88}, 1, 10, 42},
         {{0, 0, bottleWidthForHeight(menuBottleHeightPoints), menuBottleHeightPoints}, 32.0 / 44, 0, 0},
     };
-    for (const auto& c : cases) {
-        const std::vector<PixelRect> cells = bottle.filledCells(c.bounds);
+    for (const auto& [bounds, cell, left, top] : cases) {
+        const std::vector<PixelRect> cells = bottle.filledCells(bounds);
         ASSERT_EQ(cells.size(), 94u);
         // The first filled cell is the cap's, row 1, column 8; the last the bottom's, row 40, column 18.
-        EXPECT_NEAR(cells.front().x, c.left + 8 * c.cell, 1e-9);
-        EXPECT_NEAR(cells.front().y, c.top + 1 * c.cell, 1e-9);
-        EXPECT_NEAR(cells.back().x, c.left + 18 * c.cell, 1e-9);
-        EXPECT_NEAR(cells.back().y, c.top + 40 * c.cell, 1e-9);
-        EXPECT_DOUBLE_EQ(cells.back().width + cells.back().height, 2 * c.cell);
+        EXPECT_NEAR(cells.front().x, left + 8 * cell, 1e-9);
+        EXPECT_NEAR(cells.front().y, top + 1 * cell, 1e-9);
+        EXPECT_NEAR(cells.back().x, left + 18 * cell, 1e-9);
+        EXPECT_NEAR(cells.back().y, top + 40 * cell, 1e-9);
+        EXPECT_DOUBLE_EQ(cells.back().width + cells.back().height, 2 * cell);
     }
     const PixelRect bounds{0, 0, 2, 3};
     EXPECT_TRUE(PixelGridShape{}.filledCells(bounds).empty());
@@ -54,6 +71,15 @@ TEST(PixelGridTest, SquareCellsAsLargeAsFitCentredInTheRectangle) {
     // Width from the first row; other rows keep each cell at its own index; a non-ASCII character is one cell.
     EXPECT_EQ((PixelGridShape{{"10", "0x21", "\u00e91"}}.filledCells(bounds)),
               (std::vector<PixelRect>{{0, 0, 1, 1}, {3, 1, 1, 1}, {1, 2, 1, 1}}));
+}
+
+TEST(WaterEquivalentTest, BottlesBelowNinetyLitresThenShowers) {
+    const std::pair<int64_t, const char*> cases[] = {
+        {-4000, "\u2248 1 bouteilles"}, {2249, "\u2248 1 bouteilles"}, {2250, "\u2248 2 bouteilles"},
+        {89999, "\u2248 60 bouteilles"}, {90000, "\u2248 2 douches"},  {149999, "\u2248 2 douches"},
+        {150000, "\u2248 3 douches"},   {60000000000, "\u2248 1000000 douches"},
+    };
+    for (const auto& [milliliters, text] : cases) EXPECT_EQ(waterEquivalentText(milliliters), text) << milliliters;
 }
 
 }  // namespace
