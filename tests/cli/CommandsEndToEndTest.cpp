@@ -31,11 +31,6 @@ TEST_F(CommandsEndToEndTest, ImportStoresWhatScanPrintsAndDaysListsIt) {
                    R"("samplesInserted":5,"samplesUpdated":0,"samplesUnchanged":0,"duplicatesRemoved":0,)"
                    R"("filesRead":4,"filesReused":0,"elapsedSeconds":[0-9.e-]+,"lastError":null\}
 )"))) << first.standardOutput;
-    EXPECT_TRUE(std::regex_match(tallowen("import").standardOutput,
-                                 std::regex("detected tools: claude-code, codex, cursor\n"
-                                            "samples: 0 inserted, 0 updated, 5 unchanged\n"
-                                            "duplicates removed: 0\nfiles: 0 read, 4 reused\n"
-                                            "elapsed: [0-9]+\\.[0-9]{2} s\n")));
     const std::string days = tallowen("days --json").standardOutput;
     EXPECT_EQ(std::regex_replace(days, std::regex(R"(,"updatedAt":"[^"]*")"), ""), "{" + samples + "\n");
     const auto selected = linesOf(tallowen("days --since 2025-03-15 --tool codex").standardOutput);
@@ -51,7 +46,6 @@ TEST_F(CommandsEndToEndTest, ImportStoresWhatScanPrintsAndDaysListsIt) {
     EXPECT_NE(table.find("\n2025-03-14  codex               1         1          5000           700        0.01        "
                          "101  12% / - pro\n"), npos) << table;
     EXPECT_NE(table.find("\nfiles read: 0, reused: 4\n"), npos);
-
 }
 
 TEST_F(CommandsEndToEndTest, WhileAnotherProcessImportsTheRequestIsDroppedAndThePanelShowsTheStore) {
@@ -98,31 +92,6 @@ TEST_F(CommandsEndToEndTest, EachFailureIsOneLineWithItsExitStatus) {
     const CommandResult missingHome = tallowen("panel");
     EXPECT_EQ(missingHome.exitStatus, 1);
     EXPECT_EQ(missingHome.standardError, "tallowen: panel: cannot read the home folder " + home().string() + "\n");
-}
-
-TEST_F(CommandsEndToEndTest, ALineTooBigForTheMemoryLimitWaitsForARunWithMoreAndCostsNothingElse) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__APPLE__)
-    GTEST_SKIP() << "needs an address-space limit that the address sanitizer and macOS do not honour";
-#endif
-    writeUsageHome(scratch, "home");
-    // One reply whose text makes it 64 MB long.
-    std::string reply = R"({"type":"assistant","timestamp":"2025-03-16T09:00:00Z","message":{"model":"claude-sonnet-4-5",)"
-                        R"("content":[{"type":"text","text":")";
-    reply.append(64u << 20, 'x');
-    reply += R"("}],"usage":{"input_tokens":123456,"output_tokens":654321}}})";
-    scratch.write("home/.claude/projects/-home-dev-app/huge.jsonl", reply + "\n");
-    const auto importUnder = [&](const std::string& addressSpaceKilobytes) {
-        return runCommand("ulimit -v " + addressSpaceKilobytes + "; " + commandLine("import"), scratch.path());
-    };
-    const CommandResult tight = importUnder("250000");
-    EXPECT_EQ(tight.exitStatus, 0) << tight.standardError;
-    EXPECT_NE(tight.standardOutput.find("detected tools: claude-code, codex, cursor\nsamples: 5 inserted"), npos)
-        << tight.standardOutput << tight.standardError;
-    EXPECT_EQ(tallowen("days --since 2025-03-16 --json").standardOutput.find("123456"), npos);
-
-    EXPECT_NE(importUnder("800000").standardOutput.find("files: 1 read, 4 reused\n"), npos);
-    EXPECT_NE(tallowen("days --since 2025-03-16 --json").standardOutput.find(
-                  "\"inputTokens\":123456,\"outputTokens\":654321"), npos);
 }
 
 }  // namespace
