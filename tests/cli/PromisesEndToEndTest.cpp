@@ -7,6 +7,7 @@
 #include "model/DaySamplesJson.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "support/FolderSnapshot.hpp"
+#include "support/PseudoTerminal.hpp"
 #include "support/Samples.hpp"
 #include "support/UsageHome.hpp"
 
@@ -14,11 +15,9 @@
 
 #include <algorithm>
 #include <random>
-#include <thread>
 
 namespace tallowen::testing {
 namespace {
-
 
 class PromisesEndToEndTest : public TallowenRun {
 protected:
@@ -32,38 +31,10 @@ protected:
         EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
         sqlite3_close(database);
     }
-    void setHomeWritable(bool writable) const {
-        for (const auto& folder : std::filesystem::recursive_directory_iterator(home()))
-            if (folder.is_directory())
-                std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_write,
-                                             writable ? std::filesystem::perm_options::add
-                                                      : std::filesystem::perm_options::remove);
-    }
 };
 
-TEST_F(PromisesEndToEndTest, LogsAndCursorsFolderStayByteForByteWalOrRollbackEvenWhereNobodyMayWrite) {
-    for (const bool wal : {true, false}) {
-        for (const bool writable : {true, false}) {
-            SCOPED_TRACE(std::string(wal ? "WAL" : "rollback") + (writable ? ", writable" : ", read-only"));
-            std::filesystem::remove_all(home());
-            std::filesystem::remove_all(data());
-            writeUsageHome(scratch, "home");
-            if (wal) execute("PRAGMA journal_mode=WAL");
-            setHomeWritable(writable);
-            const auto before = folderSnapshot(home());
-            const CommandResult import = tallowen("import");
-            const CommandResult scan = tallowen("scan --json");
-            EXPECT_EQ(folderSnapshot(home()), before);
-            EXPECT_NE(import.standardOutput.find("detected tools: claude-code, codex, cursor"), npos);
-            // Cursor's one conversation: 3000 tokens in, read even where its folder is closed to us.
-            EXPECT_NE(scan.standardOutput.find(R"("tool":"cursor","sessions":1,"requests":1,"inputTokens":3000)"), npos)
-                << scan.standardOutput;
-            setHomeWritable(true);
-        }
-    }
-}
-
-TEST_F(PromisesEndToEndTest, APlantedSecretAppearsInNoOutputAndNoFileOfTheDataFolder) {
+// Cursor's database in WAL mode, where a careless reader would leave a shared-memory file beside it.
+TEST_F(PromisesEndToEndTest, NoCommandChangesTheHomeFolderAndAPlantedSecretAppearsInNoOutputAndNoStoredFile) {
     const std::string secret = "Zq7plantedSECRET";
     scratch.write("home/.claude/projects/-home-dev-app/talk.jsonl",
                   R"({"type":"user","timestamp":"2025-03-14T10:00:00Z","cwd":"/home/dev/)" + secret +
@@ -79,9 +50,10 @@ TEST_F(PromisesEndToEndTest, APlantedSecretAppearsInNoOutputAndNoFileOfTheDataFo
                       R"({"timestamp":"2025-03-14T11:00:01Z","type":"response_item","payload":)"
                       R"({"type":"function_call_output","output":")" + secret + R"("}})" "\n");
     const std::string conversation(36, 'e');
-    execute("INSERT INTO cursorDiskKV VALUES ('composerData:" + conversation +
+    execute("PRAGMA journal_mode=WAL; INSERT INTO cursorDiskKV VALUES ('composerData:" + conversation +
             "', '{\"createdAt\":1741950000000,\"name\":\"" + secret + "\"}'), ('bubbleId:" + conversation +
             ":1', '{\"text\":\"" + secret + "\",\"tokenCount\":{\"inputTokens\":4,\"outputTokens\":2}}')");
+    const auto before = folderSnapshot(home());
     std::string outputs;
     for (const char* command : {"import", "import --json", "scan", "scan --json", "days --json", "summary --json",
                                 "panel", ""}) {
@@ -89,6 +61,7 @@ TEST_F(PromisesEndToEndTest, APlantedSecretAppearsInNoOutputAndNoFileOfTheDataFo
         EXPECT_EQ(result.exitStatus, 0) << command << result.standardError;
         outputs += result.standardOutput + result.standardError;
     }
+    EXPECT_EQ(folderSnapshot(home()), before);
     EXPECT_NE(outputs.find("claude-code"), npos);
     EXPECT_EQ(outputs.find(secret), npos);
     const auto files = folderSnapshot(data());
@@ -96,33 +69,39 @@ TEST_F(PromisesEndToEndTest, APlantedSecretAppearsInNoOutputAndNoFileOfTheDataFo
     for (const auto& [name, contents] : files) EXPECT_EQ(contents.find(secret), npos) << name;
 }
 
-TEST_F(PromisesEndToEndTest, ACursorDatabaseLockedTwoSecondsIsReadAfterTheWaitAndOneLockedLongerIsLeftAsStored) {
-    // The editor holds its database under an exclusive lock, for two seconds or for the whole import.
-    const auto importWhileCursorHolds = [&](bool releasesAfterTwoSeconds) {
-        sqlite3* cursor = nullptr;
-        sqlite3_open(cursorDatabase().c_str(), &cursor);
-        EXPECT_EQ(sqlite3_exec(cursor, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-        std::thread release;
-        if (releasesAfterTwoSeconds)
-            release = std::thread([cursor] {
-                std::this_thread::sleep_for(std::chrono::seconds(2));
-                sqlite3_exec(cursor, "ROLLBACK", nullptr, nullptr, nullptr);
-            });
-        EXPECT_EQ(tallowen("import").exitStatus, 0);
-        if (release.joinable()) release.join();
-        sqlite3_close(cursor);
+// The editor holds its database under an exclusive lock: an import waits for it, saying on a terminal what it
+// reads, and reads it once let go; held beyond the wait, Cursor's stored days are left as they were.
+TEST_F(PromisesEndToEndTest, ALockedCursorDatabaseIsReadAfterTheWaitOrLeftAsStoredAndTheWaitShownOnATerminalOnly) {
+    sqlite3* cursor = nullptr;
+    ASSERT_EQ(sqlite3_open(cursorDatabase().c_str(), &cursor), SQLITE_OK);
+    const auto hold = [&](bool held) {
+        EXPECT_EQ(sqlite3_exec(cursor, held ? "BEGIN EXCLUSIVE" : "ROLLBACK", nullptr, nullptr, nullptr), SQLITE_OK);
     };
     const auto cursorDay = [&] {
         const std::string days = tallowen("days --tool cursor --json").standardOutput;
         return days.substr(0, days.find("\"updatedAt\""));
     };
-    importWhileCursorHolds(true);
+    hold(true);
+    PseudoTerminal shown(argv({"import"}), 80, 24);
+    EXPECT_TRUE(shown.waitFor("reading logs 4/4 · 0 MB · ")) << shown.output();
+    hold(false);
+    EXPECT_EQ(shown.waitForExit(), 0);
+    EXPECT_NE(shown.output().find(" MB/s · Cursor database"), npos) << shown.output();
+    EXPECT_NE(shown.output().find("\r\x1b[Kdetected tools: claude-code, codex, cursor"), npos);  // erased first
     const std::string stored = cursorDay();
     EXPECT_NE(stored.find(R"("inputTokens":3000,"outputTokens":400)"), npos) << stored;
-    // The editor's tokens change, but it keeps the database locked beyond the wait.
+
     execute("UPDATE cursorDiskKV SET value = json_set(value, '$.tokenCount.inputTokens', 9999) "
             "WHERE key LIKE 'bubbleId:%'");
-    importWhileCursorHolds(false);
+    hold(true);
+    const CommandResult piped = tallowen("import");
+    EXPECT_EQ(piped.exitStatus, 0);
+    EXPECT_EQ(piped.standardError, "");
+    PseudoTerminal quiet(argv({"import", "--quiet"}), 80, 24);
+    EXPECT_EQ(quiet.waitForExit(), 0);
+    EXPECT_EQ(quiet.output().find("reading logs"), npos) << quiet.output();
+    hold(false);
+    sqlite3_close(cursor);
     EXPECT_EQ(cursorDay(), stored);
 }
 
