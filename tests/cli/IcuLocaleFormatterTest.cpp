@@ -18,7 +18,7 @@ TEST(IcuLocaleFormatterTest, WritesTheSharedTableOfLocaleFormats) {
     simdjson::dom::parser parser;
     const simdjson::dom::element rows = parser.load(TALLOWEN_SOURCE_DIR "/tests/data/locale-formats.json");
     const std::string_view units[] = {"second", "minute", "hour", "day", "week", "month", "year"};
-    int checked = 0;
+    EXPECT_GT(rows.get_array().size(), 40u);
     for (const simdjson::dom::element row : rows.get_array()) {
         const IcuLocaleFormatter locale{std::string(*json::stringMember(row, "locale"))};
         const std::string_view call = *json::stringMember(row, "call");
@@ -37,9 +37,7 @@ TEST(IcuLocaleFormatterTest, WritesTheSharedTableOfLocaleFormats) {
                 static_cast<RelativeTimeUnit>(std::find(units, std::end(units), *json::stringMember(row, "unit")) - units)});
         else ADD_FAILURE() << "unknown call " << call;
         EXPECT_EQ(text, *json::stringMember(row, "icu")) << simdjson::to_string(row);
-        ++checked;
     }
-    EXPECT_GT(checked, 40);
 }
 
 TEST(IcuLocaleFormatterTest, TimeAgoTakesTheLargestWholeUnitAndShortTimeTheLocalZone) {
