@@ -13,8 +13,8 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
 #include <random>
+#include <set>
 
 namespace tallowen::testing {
 namespace {
@@ -131,13 +131,12 @@ TEST_F(PromisesEndToEndTest, KillingImportsAndPurgesAtRandomMomentsEndsWithTheRe
     ASSERT_EQ(tallowen("import").exitStatus, 0);
     // Every stored record, values only (no identifier, no time of writing), in order.
     const auto records = [](const std::filesystem::path& folder) {
-        std::vector<std::string> all;
+        std::multiset<std::string> all;
         for (const UsageSample& sample : SqliteSampleStore(folder / SqliteSampleStore::fileName).fetchAll()) {
             JsonWriter json;
             writeDaySampleJson(json, sample, false);
-            all.push_back(json.take());
+            all.insert(json.take());
         }
-        std::sort(all.begin(), all.end());
         return all;
     };
     EXPECT_EQ(records(data()), records(clean));
