@@ -1,6 +1,7 @@
 #include "BigDigits.hpp"
 #include "TallowenRun.hpp"
 #include "TextWidth.hpp"
+#include "model/Clock.hpp"
 #include "model/DayKey.hpp"
 #include "model/Iso8601Format.hpp"
 #include "store/SqliteSampleStore.hpp"
@@ -28,8 +29,7 @@ int widestLine(const std::string& text) {
 class TerminalCommandsTest : public TallowenRun {
 protected:
     void SetUp() override {
-        now = Date::fromUnixSeconds(
-            std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count());
+        now = systemClock()();
         if (calendar.startOfDayAdding(now, 1)->secondsSince(now) < 120) GTEST_SKIP() << "too close to midnight";
         for (int offset = 3; offset >= 0; --offset) days.push_back(dayKey(*calendar.startOfDayAdding(now, -offset), calendar));
         std::filesystem::create_directories(home());
@@ -57,7 +57,7 @@ protected:
     std::vector<std::string> days;
 };
 
-TEST_F(TerminalCommandsTest, ThePanelShowsTodaysLogsInFrenchAndTheSummaryAgrees) {
+TEST_F(TerminalCommandsTest, ThePanelShowsTodaysLogsInFrench) {
     const auto reply = [](Date at, int64_t input, int64_t cacheWrite, int64_t cacheRead, int64_t output) {
         return R"({"type":"assistant","timestamp":")" + *iso8601UtcText(at) +
                R"(","message":{"model":"claude-sonnet-4-5","usage":{"input_tokens":)" + std::to_string(input) +
@@ -81,10 +81,6 @@ TEST_F(TerminalCommandsTest, ThePanelShowsTodaysLogsInFrenchAndTheSummaryAgrees)
     EXPECT_NE(imported.standardOutput.find("OUTILS DÉTECTÉS\nCLAUDE CODE\n"), npos);
     EXPECT_EQ(lines.back().find("Import "), 36u);
     EXPECT_EQ(piped("panel").standardOutput, imported.standardOutput);  // the store gives the same panel
-
-    const std::string summary = tallowen("summary --json").standardOutput;
-    for (const char* shown : {R"("locale":"en_US")", R"("totalTokens":107200)", R"("tokenCounterText":"35,200")"})
-        EXPECT_NE(summary.find(shown), npos) << shown << "\n" << summary;
 }
 
 TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped) {
@@ -96,7 +92,6 @@ TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped
 
     const auto result = piped("history --days 4");
     EXPECT_EQ(result.standardOutput.find('\x1b'), npos);
-    EXPECT_EQ(widestLine(result.standardOutput), 80) << result.standardOutput;
     const auto lines = linesOf(result.standardOutput);
     ASSERT_EQ(lines.size(), 7u) << result.standardOutput;
     EXPECT_EQ(lines[0], "tokens per day, " + days[0] + " to " + days[3]);
@@ -105,8 +100,6 @@ TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped
     std::string fullBar;
     for (int column = 0; column < 80 - 10 - 3 - 5; ++column) fullBar += "▓";
     EXPECT_EQ(lines[5], days[2] + "  " + fullBar + " 2,0 M");
-    EXPECT_NE(piped("history --days 4 --metric cost --json")
-                  .standardOutput.find(R"({"dayKey":")" + days[2] + R"(","total":1234,"tools":{"codex":1234}})"), npos);
 }
 
 TEST_F(TerminalCommandsTest, WatchAndPanelFitTheTerminalAndFollowItsSize) {
@@ -127,21 +120,19 @@ TEST_F(TerminalCommandsTest, WatchAndPanelFitTheTerminalAndFollowItsSize) {
 
     PseudoTerminal panel(argv({"panel"}), 44, 24);
     ASSERT_EQ(panel.waitForExit(), 0);
-    const std::string compact = panel.output();
-    EXPECT_LE(widestLine(compact), 44) << compact;
-    EXPECT_LE(linesOf(compact).size(), 24u) << compact;
-    const auto week = compact.find("CETTE SEMAINE");  // rows merged: the week's title and figures on one line
-    EXPECT_LT(compact.find("7 recours · 2,6 M", week), compact.find('\n', week)) << compact;
+    EXPECT_LE(widestLine(panel.output()), 44) << panel.output();
+    EXPECT_LE(linesOf(panel.output()).size(), 24u) << panel.output();
+    const auto week = panel.output().find("CETTE SEMAINE");  // rows merged: the week's title and figures on one line
+    EXPECT_LT(panel.output().find("7 recours · 2,6 M", week), panel.output().find('\n', week)) << panel.output();
 }
 
-TEST_F(TerminalCommandsTest, StatusLineVersionHelpAndCsv) {
+TEST_F(TerminalCommandsTest, StatusLineHelpAndCsv) {
     EXPECT_EQ(piped("statusline").standardOutput, "0 recours · 0 tokens · 0,0 L\n");
     EXPECT_FALSE(std::filesystem::exists(data() / SqliteSampleStore::fileName));  // read only, never created
     storeUsage();
     const std::pair<std::string, std::string> cases[] = {
         {"statusline", "7 recours · 150 k tokens · 0,4 L · CODEX 7J 88 % reset 3 h\n"},
         {"statusline --json", R"("fullestQuota":{"tool":"codex","window":"7J")"},
-        {"--version", "tallowen 0.1.0\n"},
         {"help days", "usage: tallowen days [--since DAY]"},
         {"--help", "commands:\n"},
         {"days --csv --since " + days[2],
