@@ -99,22 +99,8 @@ TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped
     EXPECT_EQ(lines[5], days[2] + "  " + fullBar + " 2,0 M");
 }
 
-TEST_F(TerminalCommandsTest, WatchAndPanelFitTheTerminalAndFollowItsSize) {
+TEST_F(TerminalCommandsTest, ThePanelFitsTheTerminal) {
     storeUsage();
-    PseudoTerminal watch(argv({"watch"}), 80, 24);
-    ASSERT_TRUE(watch.waitFor("[q]")) << watch.output();
-    const std::string screen = watch.output().substr(watch.output().rfind("\x1b[H"));  // the last drawing
-    EXPECT_LE(linesOf(screen).size(), 24u) << screen;
-    for (const char* shown : {"■", "AUJOURD'HUI", "RECOURS", "150 k", "TOKENS", "CODEX", "7J", "88 %", "[i]", "[q]"})
-        EXPECT_NE(screen.find(shown), npos) << shown << "\n" << screen;
-    EXPECT_EQ(screen.find("───"), npos) << screen;
-    watch.resize(100, 60);  // room for the full panel, separators and big figures
-    ASSERT_TRUE(watch.waitFor("───")) << watch.output();
-    watch.resize(30, 10);
-    ASSERT_TRUE(watch.waitFor("Terminal too narrow: 30 columns, the panel needs 40.")) << watch.output();
-    watch.type("q");
-    EXPECT_EQ(watch.waitForExit(), 0);
-
     PseudoTerminal panel(argv({"panel"}), 44, 24);
     ASSERT_EQ(panel.waitForExit(), 0);
     EXPECT_LE(widestLine(panel.output()), 44) << panel.output();
@@ -189,7 +175,7 @@ TEST_F(WatchCommandTest, PipedItImportsAtOnceDrawsThePanelAndStopsCleanlyOnASign
 }
 
 // Duplicates to clean first: the cleaning view, which has no keys, comes before the panel.
-TEST_F(WatchCommandTest, TheCleaningViewAnimatesThenCtrlZHandsTheTerminalBackAndTheForegroundTakesItAgain) {
+TEST_F(WatchCommandTest, TheCleaningViewAnimatesThePanelFollowsTheTerminalsSizeAndCtrlZHandsItBack) {
     std::filesystem::create_directories(data());
     SqliteSampleStore store(data() / SqliteSampleStore::fileName);
     for (int day = 0; day < 20000; ++day)
@@ -204,6 +190,14 @@ TEST_F(WatchCommandTest, TheCleaningViewAnimatesThenCtrlZHandsTheTerminalBackAnd
     const size_t cleaningStarted = watch.output().find("NETTOYAGE DES MESURES");
     EXPECT_NE(watch.output().find("NETTOYAGE DES MESURES", cleaningStarted + 1), npos);
     EXPECT_GT(watch.output().rfind("QUITTER"), watch.output().rfind("NETTOYAGE DES MESURES"));
+    const std::string screen = watch.output().substr(watch.output().rfind("\x1b[H"));  // the last drawing
+    EXPECT_LE(linesOf(screen).size(), 24u) << screen;
+    EXPECT_EQ(screen.find("───"), npos) << screen;
+    watch.resize(100, 60);  // room for the full panel, separators and big figures
+    ASSERT_TRUE(watch.waitFor("───")) << watch.output();
+    watch.resize(30, 10);
+    ASSERT_TRUE(watch.waitFor("Terminal too narrow: 30 columns, the panel needs 40.")) << watch.output();
+    watch.resize(80, 24);
     watch.type("\x1a");
     ASSERT_TRUE(watch.waitFor("lines echoed")) << watch.output();
     EXPECT_NE(watch.output().find("ended 148\nlines echoed"), npos);
