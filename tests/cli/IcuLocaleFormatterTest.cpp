@@ -52,7 +52,6 @@ TEST(IcuLocaleFormatterTest, TimeAgoTakesTheLargestWholeUnitAndShortTimeTheLocal
     testing::ScopedTimeZone zone("Europe/Paris");
     const Date afternoon = testing::utcDate(2026, 3, 7, 13, 5, 30);  // 14:05:30 in Paris
     EXPECT_EQ(IcuLocaleFormatter("fr_FR").shortTime(afternoon), "14:05");
-    EXPECT_EQ(IcuLocaleFormatter("en_US").shortTime(afternoon), "2:05\u202fPM");
 }
 
 TEST(IcuLocaleFormatterTest, LocaleNameComesFromTheFirstSetVariable) {

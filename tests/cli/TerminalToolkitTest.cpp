@@ -34,7 +34,8 @@ TEST(TextWidthTest, CountsColumnsNotBytesAndWrapsAtSpaces) {
         EXPECT_EQ(truncatedToWidth(text, columns), kept) << text;
     EXPECT_EQ((std::vector<Lines>{wrapText("Aucun pour l'instant. Claude Code", 20), wrapText("ÉTÉ ÉTÉ", 7),
                                   wrapText("abcdéfgh", 3), wrapText("", 10)}),
-              (std::vector<Lines>{{"Aucun pour", "l'instant. Claude", "Code"}, {"ÉTÉ ÉTÉ"}, {"abc", "déf", "gh"}, {""}}));
+              (std::vector<Lines>{{"Aucun pour", "l'instant. Claude", "Code"}, {"ÉTÉ ÉTÉ"}, {"abc", "déf", "gh"},
+                                  {""}}));
 }
 
 TEST(TerminalArtTest, BigDigitsQuotaBarsAndBottleQuadrants) {
