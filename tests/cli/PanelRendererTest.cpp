@@ -17,12 +17,6 @@ size_t indexOf(const Lines& lines, std::string_view text, size_t from = 0) {
     return npos;
 }
 
-int countOf(const std::string& line, std::string_view text) {
-    int count = 0;
-    for (size_t at = line.find(text); at != npos; at = line.find(text, at + text.size())) ++count;
-    return count;
-}
-
 // A frame with every section filled and long figures everywhere.
 PanelFrame fullFrame() {
     PanelFrame frame;
@@ -49,29 +43,22 @@ PanelFrame fullFrame() {
 }
 
 TEST(PanelRendererTest, FullPanelFitsFortyEightColumnsInTheMenuOrder) {
-    for (const bool colors : {false, true}) {
-        const Lines lines = renderPanel(fullFrame(), true, TerminalStyle(colors));
-        int escapes = 0;
-        for (const std::string& line : lines) {
+    for (const bool colors : {false, true})
+        for (const std::string& line : renderPanel(fullFrame(), true, TerminalStyle(colors))) {
             EXPECT_LE(displayWidth(line), panelWidth) << line;
             EXPECT_TRUE(line.empty() || line.back() != ' ') << line;
-            escapes += countOf(line, "\x1b[");
         }
-        EXPECT_EQ(colors, escapes > 0);
-        size_t at = 0;
-        for (const char* section : {"BRAIN FIRST._", "AUJOURD'HUI · RECOURS RÉELS", "TOKENS", "au tarif API",
-                                    "EAU · AUJOURD'HUI", "AU-DESSUS DE TA MOYENNE", "PERPLEXITY", "CETTE SEMAINE",
-                                    "QUOTAS", "reset 59 min", "OUTILS DÉTECTÉS", "QUITTER"})
-            EXPECT_NE(at = indexOf(lines, section, at), npos) << section;
-        for (const char* shown : {"12345,7 M", "IMPORT…", "Import 23:59", "verrouillée"})
-            EXPECT_NE(indexOf(lines, shown), npos) << shown;
-        EXPECT_TRUE(colors || indexOf(lines, "CODEX ENTERPRISE TEAM UNLIMITED PRO MAX 2026 PL…") != npos);
-    }
+    const Lines lines = renderPanel(fullFrame(), true, TerminalStyle(false));
+    size_t at = 0;
+    for (const char* shown : {"BRAIN FIRST._", "AUJOURD'HUI · RECOURS RÉELS", "12345,7 M TOKENS", "au tarif API",
+                              "EAU · AUJOURD'HUI", "AU-DESSUS DE TA MOYENNE", "PERPLEXITY", "CETTE SEMAINE", "QUOTAS",
+                              "CODEX ENTERPRISE TEAM UNLIMITED PRO MAX 2026 PL…", "reset 59 min", "OUTILS DÉTECTÉS",
+                              "verrouillée", "[i] IMPORT…       Import 23:59       [q] QUITTER"})
+        EXPECT_NE(at = indexOf(lines, shown, at), npos) << shown;
 }
 
 TEST(PanelRendererTest, CompactLayoutsKeepTheEssentialsWithinTheirColumns) {
     const PanelFrame frame = fullFrame();
-    const size_t fullLines = renderPanel(frame, true, TerminalStyle(false)).size();
     // The half-size bottle takes six lines and its texts beside it; without it
     // they take two lines, or three when they do not fit one.
     for (const auto& [columns, bottleLines] : {std::pair{40, 3u}, {47, 4u}}) {
@@ -80,18 +67,15 @@ TEST(PanelRendererTest, CompactLayoutsKeepTheEssentialsWithinTheirColumns) {
             const Lines lines = renderPanel(frame, true, TerminalStyle(false), layout, columns);
             for (const std::string& line : lines) {
                 EXPECT_LE(displayWidth(line), columns) << line;
-                EXPECT_EQ(countOf(line, "─"), 0) << line;
+                EXPECT_EQ(line.find("─"), npos) << line;
             }
             for (const char* kept : {"BRAIN FIRST._", "1234 RECOURS · 12345,7 M TOKENS", "au tarif API", "12\u202f345 L",
                                      "AU-DESSUS DE TA MOYENNE", "PERPLEXITY", "reset 59 min", "verrouillée", "[q] QUITTER"})
                 EXPECT_NE(indexOf(lines, kept), npos) << kept;
-            EXPECT_LT(lines.size(), fullLines);
             if (layout == PanelLayout::compactWithBottle) withBottle = lines.size();
             else EXPECT_EQ(lines.size() + bottleLines, withBottle);
         }
     }
-    EXPECT_EQ(renderPanel(frame, true, TerminalStyle(false), PanelLayout::tooNarrow, 39),
-              Lines{"Terminal too narrow: 39 columns, the panel needs 40."});
 }
 
 TEST(PanelRendererTest, CleaningViewReplacesThePanel) {
@@ -105,7 +89,7 @@ TEST(PanelRendererTest, CleaningViewReplacesThePanel) {
         EXPECT_NE(indexOf(lines, shown), npos) << shown;
     const size_t bar = indexOf(lines, "░");
     ASSERT_NE(bar, npos);
-    EXPECT_EQ(countOf(lines[bar], "█"), 18);  // 37 % of 48 columns
+    EXPECT_EQ(displayWidth(lines[bar].substr(0, lines[bar].find("░"))), 18);  // 37 % of 48 columns, filled
     for (const std::string& line : lines) EXPECT_LE(displayWidth(line), panelWidth) << line;
 }
 

@@ -1,16 +1,14 @@
-#include "BigDigits.hpp"
-#include "IcuLocaleFormatter.hpp"
 #include "TallowenRun.hpp"
 #include "TextWidth.hpp"
+#include "model/Clock.hpp"
 #include "model/DayKey.hpp"
 #include "model/Iso8601Format.hpp"
-#include "readers/ModelPricing.hpp"
 #include "store/SqliteSampleStore.hpp"
 #include "support/PseudoTerminal.hpp"
 #include "support/SampleBuilder.hpp"
+#include "support/Samples.hpp"
 #include "support/ScopedTimeZone.hpp"
 #include "support/UsageHome.hpp"
-#include "ui/MenuFormats.hpp"
 
 #include <sqlite3.h>
 
@@ -19,7 +17,6 @@
 
 namespace tallowen::testing {
 namespace {
-
 
 int widestLine(const std::string& text) {
     int widest = 0;
@@ -31,8 +28,7 @@ int widestLine(const std::string& text) {
 class TerminalCommandsTest : public TallowenRun {
 protected:
     void SetUp() override {
-        now = Date::fromUnixSeconds(
-            std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count());
+        now = systemClock()();
         if (calendar.startOfDayAdding(now, 1)->secondsSince(now) < 120) GTEST_SKIP() << "too close to midnight";
         for (int offset = 3; offset >= 0; --offset) days.push_back(dayKey(*calendar.startOfDayAdding(now, -offset), calendar));
         std::filesystem::create_directories(home());
@@ -60,7 +56,7 @@ protected:
     std::vector<std::string> days;
 };
 
-TEST_F(TerminalCommandsTest, ThePanelShowsTodaysLogsInFrenchAndTheSummaryAgrees) {
+TEST_F(TerminalCommandsTest, ThePanelShowsTodaysLogsInFrench) {
     const auto reply = [](Date at, int64_t input, int64_t cacheWrite, int64_t cacheRead, int64_t output) {
         return R"({"type":"assistant","timestamp":")" + *iso8601UtcText(at) +
                R"(","message":{"model":"claude-sonnet-4-5","usage":{"input_tokens":)" + std::to_string(input) +
@@ -74,25 +70,16 @@ TEST_F(TerminalCommandsTest, ThePanelShowsTodaysLogsInFrenchAndTheSummaryAgrees)
     ASSERT_EQ(imported.exitStatus, 0) << imported.standardError;
     const auto lines = linesOf(imported.standardOutput);
     EXPECT_EQ(widestLine(imported.standardOutput), 48);
-    const int64_t todayCents = costCents(modelPrice("claude-sonnet-4-5", false), 1200, 30000, 200000, 4000);
-    const auto big = cli::bigDigitLines("01");
-    const std::vector<std::string> head = {"■ TALLOWEN_", "", "AUJOURD'HUI · RECOURS RÉELS", big[0] + "  RECOURS",
-                                           // Two measured days of 53,600 tokens on average: every token counted.
-                                           big[1] + "  35\u202f200 TOKENS", big[2],
-                                           moneyText(todayCents, IcuLocaleFormatter("fr_FR")) + " au tarif API"};
-    EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 7), head);
+    // Two measured days of 53,600 tokens on average: every token counted; the cost at Sonnet 4.5's prices.
+    EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 7),
+              (std::vector<std::string>{"■ TALLOWEN_", "", "AUJOURD'HUI · RECOURS RÉELS", "█▀█ ▄█   RECOURS",
+                                        "█ █  █   35\u202f200 TOKENS", "▀▀▀ ▀▀▀", "0,24\u00a0$US au tarif API"}));
     EXPECT_NE(imported.standardOutput.find("CETTE SEMAINE\n2 recours · 107 k · "), npos);
-    EXPECT_NE(imported.standardOutput.find("OUTILS DÉTECTÉS\nCLAUDE CODE\n"), npos);
     EXPECT_EQ(lines.back().find("Import "), 36u);
     EXPECT_EQ(piped("panel").standardOutput, imported.standardOutput);  // the store gives the same panel
-
-    const std::string summary = tallowen("summary --json").standardOutput;
-    for (const char* shown : {R"("locale":"en_US")", R"("totalTokens":107200)", R"("todayRequestsText":"01")",
-                              R"("tokenCounterText":"35,200")", R"("detectedToolsText":"CLAUDE CODE")"})
-        EXPECT_NE(summary.find(shown), npos) << shown << "\n" << summary;
 }
 
-TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped) {
+TEST_F(TerminalCommandsTest, HistoryAndPanelFitTheTerminalAndHistoryEightyColumnsPiped) {
     storeUsage();
     PseudoTerminal terminal(argv({"history", "--days", "4"}), 60, 20);
     ASSERT_EQ(terminal.waitForExit(), 0);
@@ -101,57 +88,28 @@ TEST_F(TerminalCommandsTest, HistoryFitsTheTerminalInColourAndEightyColumnsPiped
 
     const auto result = piped("history --days 4");
     EXPECT_EQ(result.standardOutput.find('\x1b'), npos);
-    EXPECT_EQ(widestLine(result.standardOutput), 80) << result.standardOutput;
     const auto lines = linesOf(result.standardOutput);
     ASSERT_EQ(lines.size(), 7u) << result.standardOutput;
     EXPECT_EQ(lines[0], "tokens per day, " + days[0] + " to " + days[3]);
     EXPECT_EQ(lines[1], "█ CLAUDE CODE 650 k  ▓ CODEX 2,0 M");
     EXPECT_EQ(lines[4], days[1]);  // a day without use: an empty row
-    std::string fullBar;
-    for (int column = 0; column < 80 - 10 - 3 - 5; ++column) fullBar += "▓";
-    EXPECT_EQ(lines[5], days[2] + "  " + fullBar + " 2,0 M");
-    EXPECT_NE(piped("history --days 4 --metric cost --json")
-                  .standardOutput.find(R"({"dayKey":")" + days[2] + R"(","total":1234,"tools":{"codex":1234}})"), npos);
-}
-
-TEST_F(TerminalCommandsTest, WatchAndPanelFitTheTerminalAndFollowItsSize) {
-    storeUsage();
-    PseudoTerminal watch(argv({"watch"}), 80, 24);
-    ASSERT_TRUE(watch.waitFor("[q]")) << watch.output();
-    const std::string screen = watch.output().substr(watch.output().rfind("\x1b[H"));  // the last drawing
-    EXPECT_LE(linesOf(screen).size(), 24u) << screen;
-    for (const char* shown : {"■", "AUJOURD'HUI", "RECOURS", "150 k", "TOKENS", "CODEX", "7J", "88 %", "[i]", "[q]"})
-        EXPECT_NE(screen.find(shown), npos) << shown << "\n" << screen;
-    EXPECT_EQ(screen.find("───"), npos) << screen;
-    size_t before = watch.output().size();
-    watch.resize(100, 60);  // room for the full panel, separators and big figures
-    ASSERT_TRUE(watch.waitFor("───", before)) << watch.output().substr(before);
-    before = watch.output().size();
-    watch.resize(30, 10);
-    ASSERT_TRUE(watch.waitFor("Terminal too narrow: 30 columns, the panel needs 40.", before));
-    watch.type("q");
-    EXPECT_EQ(watch.waitForExit(), 0);
+    // The largest day's bar takes every column the day and its figure leave.
+    EXPECT_EQ(lines[5], days[2] + "  ▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓▓ 2,0 M");
 
     PseudoTerminal panel(argv({"panel"}), 44, 24);
     ASSERT_EQ(panel.waitForExit(), 0);
-    const std::string compact = panel.output();
-    EXPECT_LE(widestLine(compact), 44) << compact;
-    EXPECT_LE(linesOf(compact).size(), 24u) << compact;
-    const auto week = compact.find("CETTE SEMAINE");  // rows merged: the week's title and figures on one line
-    EXPECT_LT(compact.find("7 recours · 2,6 M", week), compact.find('\n', week)) << compact;
-    const std::string whole = piped("panel").standardOutput;
-    EXPECT_NE(whole.find("────\nQUOTAS\nCODEX\n"), npos) << whole;
-    EXPECT_GT(linesOf(whole).size(), 24u);
+    EXPECT_LE(widestLine(panel.output()), 44) << panel.output();
+    EXPECT_LE(linesOf(panel.output()).size(), 24u) << panel.output();
+    const auto week = panel.output().find("CETTE SEMAINE");  // rows merged: the week's title and figures on one line
+    EXPECT_LT(panel.output().find("7 recours · 2,6 M", week), panel.output().find('\n', week)) << panel.output();
 }
 
-TEST_F(TerminalCommandsTest, StatusLineVersionHelpAndCsv) {
+TEST_F(TerminalCommandsTest, StatusLineHelpAndCsv) {
     EXPECT_EQ(piped("statusline").standardOutput, "0 recours · 0 tokens · 0,0 L\n");
     EXPECT_FALSE(std::filesystem::exists(data() / SqliteSampleStore::fileName));  // read only, never created
     storeUsage();
     const std::pair<std::string, std::string> cases[] = {
         {"statusline", "7 recours · 150 k tokens · 0,4 L · CODEX 7J 88 % reset 3 h\n"},
-        {"statusline --json", R"("fullestQuota":{"tool":"codex","window":"7J")"},
-        {"--version", "tallowen 0.1.0\n"},
         {"help days", "usage: tallowen days [--since DAY]"},
         {"--help", "commands:\n"},
         {"days --csv --since " + days[2],
@@ -167,55 +125,132 @@ TEST_F(TerminalCommandsTest, StatusLineVersionHelpAndCsv) {
     }
 }
 
-// A Cursor that holds its database makes the import wait, long enough for the
-// progress line, which says what is being read.
-TEST_F(TerminalCommandsTest, ProgressLineOnATerminalOnlyAndErasedWhenDone) {
-    writeUsageHome(scratch, "home");
-    sqlite3* cursor = nullptr;
-    ASSERT_EQ(sqlite3_open((home() / "Library/Application Support/Cursor/User/globalStorage/state.vscdb").c_str(), &cursor),
-              SQLITE_OK);
-    const auto whileCursorHolds = [&](std::vector<std::string> command, const char* shownBeforeRelease) {
-        EXPECT_EQ(sqlite3_exec(cursor, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-        PseudoTerminal terminal(argv(std::move(command)), 80, 24);
-        if (shownBeforeRelease) EXPECT_TRUE(terminal.waitFor(shownBeforeRelease)) << terminal.output();
-        else std::this_thread::sleep_for(std::chrono::milliseconds(1200));
-        sqlite3_exec(cursor, "ROLLBACK", nullptr, nullptr, nullptr);
-        EXPECT_EQ(terminal.waitForExit(), 0);
-        return terminal.output();
-    };
-    const std::string shown = whileCursorHolds({"import"}, "reading logs 4/4 · 0 MB · ");
-    EXPECT_NE(shown.find(" MB/s · Cursor database"), npos) << shown;
-    EXPECT_NE(shown.find("\r\x1b[Kdetected tools: claude-code, codex, cursor"), npos) << shown;  // erased first
-    EXPECT_EQ(whileCursorHolds({"import", "--quiet"}, nullptr).find("reading logs"), npos);
+// Said by the shell each time it has the terminal back: how `watch` ended, and whether the keyboard is in
+// line mode with echo again.
+const std::string saysHowItEnded =
+    "echo \"ended $?\"; stty -a | grep -q ' icanon .* echo ' && echo 'lines echoed'; ";
 
-    sqlite3_exec(cursor, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
-    std::thread release([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1200));
-        sqlite3_exec(cursor, "ROLLBACK", nullptr, nullptr, nullptr);
-    });
-    const auto result = tallowen("import");
-    release.join();
-    sqlite3_close(cursor);
-    EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.standardError, "");
+class WatchCommandTest : public TallowenRun {
+protected:
+    void SetUp() override { writeUsageHome(scratch, "home"); }
+    int64_t storedCount() const { return SqliteSampleStore(data() / SqliteSampleStore::fileName).count(); }
+    // `watch` on a terminal as a person's shell runs it: a foreground job in a process group of its own, so
+    // that Ctrl-Z really stops it; `afterwards` runs once the shell has the terminal back. The shell, like an
+    // interactive one, outlives a job ended by Ctrl-C.
+    PseudoTerminal watchFromAShell(const std::string& afterwards = "") const {
+        std::vector<std::string> command = {"/bin/sh", "-c",
+                                            "trap : INT; set -m; \"$@\"; " + saysHowItEnded + afterwards, "sh"};
+        for (const std::string& argument : argv({"watch"})) command.push_back(argument);
+        return PseudoTerminal(command, 80, 24);
+    }
+};
+
+// The user's screen is shown again after the last drawing on the alternate one.
+void expectScreenHandedBack(const std::string& output) {
+    ASSERT_NE(output.rfind("\x1b[?1049l"), npos);
+    EXPECT_GT(output.rfind("\x1b[?1049l"), output.rfind("\x1b[?1049h"));
+}
+
+TEST_F(WatchCommandTest, PipedItImportsAtOnceDrawsThePanelAndStopsCleanlyOnASignal) {
+    for (const char* signal : {"INT", "TERM"}) {
+        SCOPED_TRACE(signal);
+        std::filesystem::remove_all(data());
+        const std::string panel = shellQuoted((scratch.path() / "panel").string());
+        const CommandResult run = runCommand(commandLine("watch") + " >" + panel + " & for i in $(seq 100); do grep -q "
+                                             "'Import ' " + panel + " 2>/dev/null && break; sleep 0.1; done; kill -" + signal +
+                                             " $!; wait $!; status=$?; cat " + panel + "; exit $status", scratch.path());
+        EXPECT_EQ(run.exitStatus, 0);
+        EXPECT_EQ(run.standardOutput.rfind("■ TALLOWEN_\n", 0), 0u) << run.standardOutput;
+        EXPECT_NE(run.standardOutput.find("OUTILS DÉTECTÉS\nCLAUDE CODE · CODEX · CURSOR\n"), npos);
+        // The run reached the store whole, and the store was closed (its log folded back in).
+        EXPECT_EQ(storedCount(), 5);
+        EXPECT_FALSE(std::filesystem::exists(data() / "store.sqlite-wal"));
+    }
+}
+
+// Duplicates to clean first: the cleaning view, which has no keys, comes before the panel.
+TEST_F(WatchCommandTest, TheCleaningViewAnimatesThePanelFollowsTheTerminalsSizeAndCtrlZHandsItBack) {
+    std::filesystem::create_directories(data());
+    SqliteSampleStore store(data() / SqliteSampleStore::fileName);
+    for (int day = 0; day < 20000; ++day)
+        for (int copy = 0; copy < 2; ++copy)
+            store.insert(slotSample("1900-" + std::to_string(100000 + day), "phone-gemini", Date{1.0 * copy}));
+    store.save();
+
+    PseudoTerminal watch = watchFromAShell("read line; fg; " + saysHowItEnded);
+    ASSERT_TRUE(watch.waitFor("NETTOYAGE DES MESURES")) << watch.output();
+    ASSERT_TRUE(watch.waitFor("Import ")) << watch.output();  // the panel back, the run over
+    // Redrawn only when it changes: the view moved while the purge ran.
+    const size_t cleaningStarted = watch.output().find("NETTOYAGE DES MESURES");
+    EXPECT_NE(watch.output().find("NETTOYAGE DES MESURES", cleaningStarted + 1), npos);
+    EXPECT_GT(watch.output().rfind("QUITTER"), watch.output().rfind("NETTOYAGE DES MESURES"));
+    const std::string screen = watch.output().substr(watch.output().rfind("\x1b[H"));  // the last drawing
+    EXPECT_LE(linesOf(screen).size(), 24u) << screen;
+    EXPECT_EQ(screen.find("───"), npos) << screen;
+    watch.resize(100, 60);  // room for the full panel, separators and big figures
+    ASSERT_TRUE(watch.waitFor("───")) << watch.output();
+    watch.resize(30, 10);
+    ASSERT_TRUE(watch.waitFor("Terminal too narrow: 30 columns, the panel needs 40.")) << watch.output();
+    watch.resize(80, 24);
+    watch.type("\x1a");
+    ASSERT_TRUE(watch.waitFor("lines echoed")) << watch.output();
+    EXPECT_NE(watch.output().find("ended 148\nlines echoed"), npos);
+    expectScreenHandedBack(watch.output());
+
+    // Back in the foreground, it redraws and reads single keys again.
+    watch.type("\nq");
+    EXPECT_EQ(watch.waitForExit(), 0);
+    const size_t resumed = watch.output().find("lines echoed");
+    EXPECT_NE(watch.output().find("\x1b[?1049h", resumed), npos);
+    EXPECT_NE(watch.output().find("QUITTER", resumed), npos);
+    EXPECT_NE(watch.output().find("ended 0\nlines echoed", resumed), npos) << watch.output().substr(resumed);
+    expectScreenHandedBack(watch.output());
+    // The panel left on the user's screen no longer offers keys that work.
+    const std::string finalPanel = watch.output().substr(watch.output().rfind("\x1b[?1049l"));
+    EXPECT_NE(finalPanel.find("OUTILS D"), npos) << finalPanel;
+    EXPECT_EQ(finalPanel.find("QUITTER"), npos) << finalPanel;
+    EXPECT_EQ(storedCount(), 20000 + 5);
+}
+
+// While a run cannot end (another writer holds the store), Ctrl-C twice or the
+// quit key (Ctrl-\) end the process at once, yet leave the terminal as it was found.
+TEST_F(WatchCommandTest, AnEndingKeyDuringARunStillHandsTheTerminalBack) {
+    std::filesystem::create_directories(data());
+    storedCount();
+    sqlite3* blocker = nullptr;
+    ASSERT_EQ(sqlite3_open((data() / SqliteSampleStore::fileName).c_str(), &blocker), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(blocker, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    for (const auto& [key, ended] : {std::pair{"\x03", "ended 130"}, {"\x1c", "ended 131"}}) {
+        SCOPED_TRACE(ended);
+        PseudoTerminal watch = watchFromAShell();
+        ASSERT_TRUE(watch.waitFor("IMPORT…")) << watch.output();
+        watch.type(key);
+        if (key[0] == '\x03') {  // the first Ctrl-C asks the run to stop, which it cannot
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            watch.type(key);
+        }
+        EXPECT_TRUE(watch.waitFor("lines echoed")) << watch.output();
+        EXPECT_NE(watch.output().find(std::string(ended) + "\nlines echoed"), npos) << watch.output();
+        expectScreenHandedBack(watch.output());
+    }
+    sqlite3_close(blocker);
 }
 
 TEST(InstallTest, PutsTheCommandItsManualAndThreeCompletionsUnderThePrefix) {
     TempDir prefix;
-    const auto result = runCommand("cmake --install " + shellQuoted(TALLOWEN_BUILD_DIR) + " --prefix " +
-                                       shellQuoted(prefix.path().string()), prefix.path());
+    const auto installed = [&](const std::string& file) { return shellQuoted((prefix.path() / file).string()); };
+    const auto result = runCommand("cmake --install " + shellQuoted(TALLOWEN_BUILD_DIR) + " --prefix " + installed(""),
+                                   prefix.path());
     ASSERT_EQ(result.exitStatus, 0) << result.standardError;
-    EXPECT_EQ(runCommand(shellQuoted((prefix.path() / "bin/tallowen").string()) + " --version", prefix.path()).standardOutput,
-              "tallowen 0.1.0\n");
+    EXPECT_EQ(runCommand(installed("bin/tallowen") + " --version", prefix.path()).standardOutput, "tallowen 0.1.0\n");
     // The manual reads without a warning and the completions parse, where the tools are at hand.
     for (const auto& [tool, file] : {std::pair{"groff -man -Tutf8 -ww -z", "share/man/man1/tallowen.1"},
                                      {"bash -n", "share/bash-completion/completions/tallowen"},
                                      {"zsh -n", "share/zsh/site-functions/_tallowen"},
                                      {"fish -n", "share/fish/vendor_completions.d/tallowen.fish"}}) {
-        EXPECT_TRUE(std::filesystem::is_regular_file(prefix.path() / file)) << file;
         const std::string program = std::string(tool).substr(0, std::string(tool).find(' '));
-        const auto check = runCommand("command -v " + program + " >/dev/null || exit 0; " + tool + " " +
-                                          shellQuoted((prefix.path() / file).string()), prefix.path());
+        const auto check = runCommand("test -f " + installed(file) + " && { ! command -v " + program +
+                                          " >/dev/null || " + tool + " " + installed(file) + "; }", prefix.path());
         EXPECT_EQ(check.exitStatus, 0) << file;
         EXPECT_EQ(check.standardError, "") << file;
     }

@@ -14,10 +14,9 @@ namespace {
 using Lines = std::vector<std::string>;
 
 TEST(TerminalStyleTest, ColoursOnlyOnATerminalWithoutNoColor) {
-    EXPECT_TRUE(colorsWanted(true, std::nullopt));
-    EXPECT_TRUE(colorsWanted(true, std::string()));
-    EXPECT_FALSE(colorsWanted(true, std::string("1")));
-    EXPECT_FALSE(colorsWanted(false, std::nullopt));
+    EXPECT_EQ((std::vector<bool>{colorsWanted(true, std::nullopt), colorsWanted(true, std::string()),
+                                 colorsWanted(true, std::string("1")), colorsWanted(false, std::nullopt)}),
+              (std::vector<bool>{true, true, false, false}));
     EXPECT_EQ(TerminalStyle(false).paint(TextRole::warning, "80 %"), "80 %");
     EXPECT_EQ(TerminalStyle(true).paint(TextRole::warning, "80 %"), "\x1b[33m80 %\x1b[0m");
 }
@@ -27,18 +26,16 @@ TEST(TextWidthTest, CountsColumnsNotBytesAndWrapsAtSpaces) {
                                         {"1\u202f234,50\u00a0$US", 12}, {"▗▄█░…≈", 6}, {"e\u0301", 1}, {"日本", 4},
                                         {"\xff", 1}, {"\x1b[33m80 %\x1b[0m", 4}})
         EXPECT_EQ(displayWidth(text), columns) << text;
-    EXPECT_EQ(padRight("É", 3), "É  ");
-    EXPECT_EQ(padLeft("É", 3), "  É");
-    EXPECT_EQ(padRight("ÉTÉ", 2), "ÉTÉ");
-    EXPECT_EQ(spread("IMPORTER", "QUITTER", 20), "IMPORTER     QUITTER");
-    EXPECT_EQ(spread("IMPORTER", "QUITTER", 10), "IMPORTER QUITTER");
+    EXPECT_EQ((Lines{padRight("É", 3), padLeft("É", 3), padRight("ÉTÉ", 2), spread("IMPORTER", "QUITTER", 20),
+                     spread("IMPORTER", "QUITTER", 10)}),
+              (Lines{"É  ", "  É", "ÉTÉ", "IMPORTER     QUITTER", "IMPORTER QUITTER"}));
     for (const auto& [text, columns, kept] : {std::tuple{"ÉTÉ", 3, "ÉTÉ"}, {"ÉTÉS", 3, "ÉT…"}, {"日本語", 4, "日…"},
                                               {"PLUS", 0, ""}})
         EXPECT_EQ(truncatedToWidth(text, columns), kept) << text;
-    EXPECT_EQ(wrapText("Aucun pour l'instant. Claude Code", 20), (Lines{"Aucun pour", "l'instant. Claude", "Code"}));
-    EXPECT_EQ(wrapText("ÉTÉ ÉTÉ", 7), Lines{"ÉTÉ ÉTÉ"});
-    EXPECT_EQ(wrapText("abcdéfgh", 3), (Lines{"abc", "déf", "gh"}));
-    EXPECT_EQ(wrapText("", 10), Lines{""});
+    EXPECT_EQ((std::vector<Lines>{wrapText("Aucun pour l'instant. Claude Code", 20), wrapText("ÉTÉ ÉTÉ", 7),
+                                  wrapText("abcdéfgh", 3), wrapText("", 10)}),
+              (std::vector<Lines>{{"Aucun pour", "l'instant. Claude", "Code"}, {"ÉTÉ ÉTÉ"}, {"abc", "déf", "gh"},
+                                  {""}}));
 }
 
 TEST(TerminalArtTest, BigDigitsQuotaBarsAndBottleQuadrants) {
