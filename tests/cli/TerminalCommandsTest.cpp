@@ -38,8 +38,8 @@ protected:
     void storeUsage() {
         std::filesystem::create_directories(data());
         SqliteSampleStore store(data() / SqliteSampleStore::fileName);
-        UsageSample claude = SampleBuilder(days[3], "claude-code").tokens(120000, 30000).water(400).updatedAt(now);
-        claude.requests = 7;
+        const UsageSample claude =
+            SampleBuilder(days[3], "claude-code").requests(7).tokens(120000, 30000).water(400).updatedAt(now);
         UsageSample codex = SampleBuilder(days[3], "codex").primaryQuota(40).secondaryQuota(88).updatedAt(now);
         codex.quotaSecondaryResetAt = now.addingSeconds(3 * 3600 + 1800);
         for (const UsageSample& sample : {SampleBuilder(days[0], "claude-code").tokens(500000).updatedAt(now).sample,

@@ -16,8 +16,7 @@ using testing::SampleBuilder;
 using Cells = std::vector<HistoryBarCell>;
 
 TEST(UsageHistoryTest, EveryDayOfTheRangeSplitByTheUsedToolsInTheirOrder) {
-    UsageSample codex = SampleBuilder("2025-03-01", "codex").tokens(100, 20).cost(7).water(3);
-    codex.requests = 4;
+    const UsageSample codex = SampleBuilder("2025-03-01", "codex").requests(4).tokens(100, 20).cost(7).water(3);
     UsageSample stale = SampleBuilder("2025-03-01", "codex").tokens(999).updatedAt(Date{-1});
     const std::vector<UsageSample> samples = {
         codex, stale, SampleBuilder("2025-03-03", "claude-code").tokens(50, 5),

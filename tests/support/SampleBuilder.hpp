@@ -15,6 +15,7 @@ struct SampleBuilder {
         sample.dayKey = std::move(dayKey);
         sample.tool = std::move(tool);
     }
+    SampleBuilder& requests(int64_t count) { sample.requests = count; return *this; }
     SampleBuilder& tokens(int64_t input, int64_t output = 0) { sample.inputTokens = input; sample.outputTokens = output; return *this; }
     SampleBuilder& water(int64_t milliliters) { sample.estimatedWaterMilliliters = milliliters; return *this; }
     SampleBuilder& cost(int64_t cents) { sample.estimatedCostCents = cents; return *this; }

@@ -150,9 +150,8 @@ TEST(QuotaBarTest, ResetLabelSwitchesToDaysAtTwoDays) {
 TEST(StatusLineTest, TodaysFiguresAndTheFullestFreshQuota) {
     testing::ScopedTimeZone paris("Europe/Paris");
     const Date now = testing::localDate(2025, 3, 14, 10);
-    UsageSample codex = SampleBuilder("2025-03-14", "codex").tokens(200000, 6090).water(400).cost(1234)
+    UsageSample codex = SampleBuilder("2025-03-14", "codex").requests(7).tokens(200000, 6090).water(400).cost(1234)
                             .primaryQuota(40).secondaryQuota(88).updatedAt(now);
-    codex.requests = 7;
     codex.quotaSecondaryResetAt = now.addingSeconds(3 * 3600 + 60);
     UsageSample older = codex;
     older.updatedAt = now.addingSeconds(-60);

@@ -23,9 +23,7 @@ using Texts = std::vector<std::string>;
 
 UsageSample sample(const char* day, const char* tool, int64_t requests, int64_t tokens, int64_t cents, int64_t ml,
                    Date updatedAt) {
-    UsageSample s = SampleBuilder(day, tool).tokens(tokens).cost(cents).water(ml).updatedAt(updatedAt);
-    s.requests = requests;
-    return s;
+    return SampleBuilder(day, tool).requests(requests).tokens(tokens).cost(cents).water(ml).updatedAt(updatedAt);
 }
 
 class MenuModelTest : public ::testing::Test {
