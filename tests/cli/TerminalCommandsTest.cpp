@@ -136,7 +136,8 @@ protected:
     int64_t storedCount() const { return SqliteSampleStore(data() / SqliteSampleStore::fileName).count(); }
     // `watch` on a terminal as a person's shell runs it: a foreground job in a process group of its own, so
     // that Ctrl-Z really stops it; `afterwards` runs once the shell has the terminal back. The shell, like an
-    // interactive one, outlives a job ended by Ctrl-C.
+    // interactive one, outlives a job ended by Ctrl-C: dash does under its trap, as Debian's /bin/sh; a bash
+    // running a script would leave with its job.
     PseudoTerminal watchFromAShell(const std::string& afterwards = "") const {
         std::vector<std::string> command = {"/bin/sh", "-c",
                                             "trap : INT; set -m; \"$@\"; " + saysHowItEnded + afterwards, "sh"};
