@@ -20,16 +20,15 @@ constexpr Date loggedAt{760007702.0};  // 2025-01-31T09:15:02Z
 
 // Claude Code
 
-constexpr std::string_view sonnet = R"("model":"claude-sonnet-4-5-20250929",)";
-constexpr std::string_view opus = R"("model":"claude-opus-4-1-20250805",)";
-constexpr std::string_view fullUsage =
+const std::string sonnet = R"("model":"claude-sonnet-4-5-20250929",)";
+const std::string opus = R"("model":"claude-opus-4-1-20250805",)";
+const std::string fullUsage =
     R"({"input_tokens":1200,"cache_creation_input_tokens":8000,"cache_read_input_tokens":150000,"output_tokens":2000})";
 
-std::string reply(std::string_view usage = fullUsage, std::string_view model = sonnet,
-                  std::string_view timestamp = "2025-01-31T09:15:02Z") {
-    return R"({"parentUuid":"p1","type":"assistant","timestamp":")" + std::string(timestamp) + R"(","message":{)" +
-           std::string(model) + R"("role":"assistant","content":[{"type":"text","text":"ok"}],"usage":)" +
-           std::string(usage) + "}}";
+std::string reply(const std::string& usage = fullUsage, const std::string& model = sonnet,
+                  const std::string& timestamp = "2025-01-31T09:15:02Z") {
+    return R"({"parentUuid":"p1","type":"assistant","timestamp":")" + timestamp + R"(","message":{)" + model +
+           R"("role":"assistant","content":[{"type":"text","text":"ok"}],"usage":)" + usage + "}}";
 }
 
 std::vector<UsageEvent> parsed(std::string_view file) {
@@ -108,24 +107,22 @@ CodexFileState codexParsed(std::string_view file) {
     return state;
 }
 
-std::string settings(std::string_view model) {
+std::string settings(const std::string& model) {
     return R"({"timestamp":"2025-01-31T09:00:00Z","type":"event_msg","payload":{"type":"thread_settings_applied",)"
-           R"("thread_settings":{"model":)" + std::string(model) + "}}}";
+           R"("thread_settings":{"model":)" + model + "}}}";
 }
 
 // The running totals beside the last request's usage are never read.
-std::string usage(std::string_view input, std::string_view cached, std::string_view output) {
+std::string usage(const std::string& input, const std::string& cached, const std::string& output) {
     return R"({"total_token_usage":{"input_tokens":99999999,"output_tokens":99999999},)"
-           R"("last_token_usage":{"input_tokens":)" +
-           std::string(input) + R"(,"cached_input_tokens":)" + std::string(cached) + R"(,"output_tokens":)" +
-           std::string(output) + "}}";
+           R"("last_token_usage":{"input_tokens":)" + input + R"(,"cached_input_tokens":)" + cached +
+           R"(,"output_tokens":)" + output + "}}";
 }
 
-std::string tokenCount(std::string_view info, std::string_view limits = "null",
-                       std::string_view timestamp = "2025-01-31T09:15:02Z") {
-    return R"({"timestamp":")" + std::string(timestamp) +
-           R"(","type":"event_msg","payload":{"type":"token_count","info":)" +
-           std::string(info) + R"(,"rate_limits":)" + std::string(limits) + "}}";
+std::string tokenCount(const std::string& info, const std::string& limits = "null",
+                       const std::string& timestamp = "2025-01-31T09:15:02Z") {
+    return R"({"timestamp":")" + timestamp + R"(","type":"event_msg","payload":{"type":"token_count","info":)" + info +
+           R"(,"rate_limits":)" + limits + "}}";
 }
 
 const std::string large = usage("120000", "100000", "3000");
