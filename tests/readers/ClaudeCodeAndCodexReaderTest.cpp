@@ -67,9 +67,8 @@ TEST(ClaudeCodeReaderTest, OneLine) {
         {R"({"type": "assistant","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":5}}})", {}},
         {R"({"type":"user","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":40000},)"
          R"("content":[{"type":"assistant"}]}})", {outputOnly}},
-        {assistant + R"("message":{"content":[]}})", {}}, {assistant + R"("usage":{"output_tokens":5}})", {}},
-        {assistant + R"("message":"usage","x":{"usage":{}}})", {}}, {"[" + reply() + "]", {}},
-        {reply().substr(0, 150), {}}, {R"({"type":"assistant","usage":{},"a":"12"})", {}},  // 40 bytes
+        {assistant + R"("usage":{"output_tokens":5}})", {}}, {assistant + R"("message":"usage","x":{"usage":{}}})", {}},
+        {"[" + reply() + "]", {}},
         // As Claude Code writes it, Haiku 4.5: 1×8 + 1.25×4000 + 0.1×90000 + 5×600 = 17008 $/M → 2 cents; 113 ml.
         {R"({"parentUuid":"6f1c","isSidechain":false,"cwd":"/home/dev/app","sessionId":"a1b2","version":"2.0.14",)"
          R"("message":{"id":"msg_01X","type":"message","role":"assistant","model":"claude-haiku-4-5-20251001",)"
@@ -166,7 +165,6 @@ TEST(CodexReaderTest, OneTokenCountLine) {
         {stamped + R"("type":"token_count","payload":[)" + large + "]}", {}},
         {stamped + R"("payload":{"type":"token_count_delta","info":)" + large + "}}", {}},
         {"[" + tokenCount(large) + "]", {}}, {tokenCount(large, "\"\xc3\x28\""), {}},  // invalid UTF-8
-        {stamped + R"("type":"response_item","payload":{"type":"message","text":"count my token_count"}})", {}},
     };
     for (const auto& [line, expected] : cases) EXPECT_EQ(codexParsed(line).events, expected) << line;
 }
@@ -177,13 +175,12 @@ TEST(CodexReaderTest, LatestRateLimitSnapshotWins) {
                                R"("secondary":{"used_percent":40,"resets_at":1738332000.0},"plan_type":"plus"})";
     const std::string other = R"({"primary":{"used_percent":99.0},"plan_type":"pro"})";
     const Date resetAt = Date::fromUnixSeconds(1738332000.0);
-    const QuotaSnapshot expected{loggedAt, 12.5, resetAt, 40.0, resetAt, "plus"};
     // Then earlier or at the same instant, no limits, or a broken timestamp: kept as it is.
     CodexFileState state = codexParsed(
         tokenCount("null", limits) + "\n" + tokenCount("null", other, "2025-01-31T09:15:01Z") + "\n" +
         tokenCount("null", other, "2025-01-31T09:15:02Z") + "\n" + tokenCount(large, "null", "2025-01-31T10:00:00Z") +
         "\n" + tokenCount("null", other, "2025-01-31T10:00:00"));
-    EXPECT_EQ(state.quota, expected);
+    EXPECT_EQ(state.quota, (QuotaSnapshot{loggedAt, 12.5, resetAt, 40.0, resetAt, "plus"}));
     // Strictly later replaces; values of the wrong type are absent.
     const std::string wrongTypes = R"({"primary":{"used_percent":"7","resets_at":"x"},"secondary":[],"plan_type":3})";
     CodexReader().parseLine(tokenCount(large, wrongTypes, "2025-01-31T09:15:03Z"), state);
