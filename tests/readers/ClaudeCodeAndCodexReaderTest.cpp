@@ -20,16 +20,15 @@ constexpr Date loggedAt{760007702.0};  // 2025-01-31T09:15:02Z
 
 // Claude Code
 
-constexpr std::string_view sonnet = R"("model":"claude-sonnet-4-5-20250929",)";
-constexpr std::string_view opus = R"("model":"claude-opus-4-1-20250805",)";
-constexpr std::string_view fullUsage =
+const std::string sonnet = R"("model":"claude-sonnet-4-5-20250929",)";
+const std::string opus = R"("model":"claude-opus-4-1-20250805",)";
+const std::string fullUsage =
     R"({"input_tokens":1200,"cache_creation_input_tokens":8000,"cache_read_input_tokens":150000,"output_tokens":2000})";
 
-std::string reply(std::string_view usage = fullUsage, std::string_view model = sonnet,
-                  std::string_view timestamp = "2025-01-31T09:15:02Z") {
-    return R"({"parentUuid":"p1","type":"assistant","timestamp":")" + std::string(timestamp) + R"(","message":{)" +
-           std::string(model) + R"("role":"assistant","content":[{"type":"text","text":"ok"}],"usage":)" +
-           std::string(usage) + "}}";
+std::string reply(const std::string& usage = fullUsage, const std::string& model = sonnet,
+                  const std::string& timestamp = "2025-01-31T09:15:02Z") {
+    return R"({"parentUuid":"p1","type":"assistant","timestamp":")" + timestamp + R"(","message":{)" + model +
+           R"("role":"assistant","content":[{"type":"text","text":"ok"}],"usage":)" + usage + "}}";
 }
 
 std::vector<UsageEvent> parsed(std::string_view file) {
@@ -51,7 +50,7 @@ TEST(ClaudeCodeReaderTest, OneLine) {
     const std::pair<std::string, std::vector<UsageEvent>> cases[] = {
         // Sonnet's price, then without a model name the catch-all one.
         {reply(), {fullSonnet}}, {reply(fullUsage, ""), {fullOpus}}, {reply(fullUsage, R"("model":5,)"), {fullOpus}},
-        // Cache reads stay out of the input: 10 + 5 = 15 in; 631.25 $/M → 0 cents; 0.39375 → 0 ml.
+        // Cache reads stay out of the input: 10 + 5 = 15 in; 378.75 $/M → 0 cents; 0.39375 → 0 ml.
         {reply(R"({"input_tokens":10,"cache_creation_input_tokens":5,"cache_read_input_tokens":1000,)"
                R"("output_tokens":2})"),
          {UsageEvent{loggedAt, 15, 2, 0, 0}}},
@@ -60,7 +59,6 @@ TEST(ClaudeCodeReaderTest, OneLine) {
                R"("output_tokens":40000})", opus), {outputOnly}},
         {reply(R"({"input_tokens":12.0,"cache_creation_input_tokens":null,"output_tokens":1e3})"), {nothingCounted}},
         {reply("{}"), {nothingCounted}}, {reply("null"), {}},
-        {reply(fullUsage, sonnet, "2025-01-31T09:15:02.123Z"), {UsageEvent{Date{760007702.123}, 9200, 2000, 11, 329}}},
         {reply(fullUsage, sonnet, "2025-01-31 09:15:02"), {}},
         // Only the bytes "type":"assistant" and "usage" decide the kind, wherever they are.
         {R"({"type":"assistant", "timestamp": "2025-01-31T09:15:02Z", "message": {"model": "claude-sonnet-4-5", )"
@@ -69,9 +67,8 @@ TEST(ClaudeCodeReaderTest, OneLine) {
         {R"({"type": "assistant","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":5}}})", {}},
         {R"({"type":"user","timestamp":"2025-01-31T09:15:02Z","message":{"usage":{"output_tokens":40000},)"
          R"("content":[{"type":"assistant"}]}})", {outputOnly}},
-        {assistant + R"("message":{"content":[]}})", {}}, {assistant + R"("usage":{"output_tokens":5}})", {}},
-        {assistant + R"("message":"usage","x":{"usage":{}}})", {}}, {"[" + reply() + "]", {}},
-        {reply().substr(0, 150), {}}, {R"({"type":"assistant","usage":{},"a":"12"})", {}},  // 40 bytes
+        {assistant + R"("usage":{"output_tokens":5}})", {}}, {assistant + R"("message":"usage","x":{"usage":{}}})", {}},
+        {"[" + reply() + "]", {}},
         // As Claude Code writes it, Haiku 4.5: 1×8 + 1.25×4000 + 0.1×90000 + 5×600 = 17008 $/M → 2 cents; 113 ml.
         {R"({"parentUuid":"6f1c","isSidechain":false,"cwd":"/home/dev/app","sessionId":"a1b2","version":"2.0.14",)"
          R"("message":{"id":"msg_01X","type":"message","role":"assistant","model":"claude-haiku-4-5-20251001",)"
@@ -87,14 +84,13 @@ TEST(ClaudeCodeReaderTest, OneLine) {
 
 TEST(ClaudeCodeReaderTest, WholeFile) {
     const std::string user = R"({"type":"user","timestamp":"2025-01-31T09:15:00Z","message":{"content":"hello"}})";
-    // The same reply twice counts twice; blank lines, CRLF ends and a missing final line feed are harmless.
-    EXPECT_EQ(parsed(user + "\n" + reply() + "\r\n\n\n" + reply() + "\n" + user + "\n" + reply(fullUsage, opus)),
-              (std::vector<UsageEvent>{fullSonnet, fullSonnet, fullOpus}));
-    // A line far longer than the others, then one cut short.
+    // The same reply twice counts twice, once on a line far longer than the others; blank lines and CRLF ends
+    // are harmless, and a line cut short after one that shares its start is no reply.
     std::string longReply = reply();
     longReply.replace(longReply.find(R"("ok")"), 4, '"' + std::string(20 << 20, 'x') + '"');
-    EXPECT_EQ(parsed(longReply + "\n" + reply(fullUsage, opus) + "\n" + reply().substr(0, 100)),
-              (std::vector<UsageEvent>{fullSonnet, fullOpus}));
+    EXPECT_EQ(parsed(user + "\n" + longReply + "\r\n\n\n" + reply() + "\n" + user + "\n" + reply(fullUsage, opus) +
+                     "\n" + reply().substr(0, 100)),
+              (std::vector<UsageEvent>{fullSonnet, fullSonnet, fullOpus}));
     EXPECT_TRUE(parsed(std::string("\n\n\r\n\0\0\0", 7)).empty());
 }
 
@@ -110,24 +106,22 @@ CodexFileState codexParsed(std::string_view file) {
     return state;
 }
 
-std::string settings(std::string_view model) {
+std::string settings(const std::string& model) {
     return R"({"timestamp":"2025-01-31T09:00:00Z","type":"event_msg","payload":{"type":"thread_settings_applied",)"
-           R"("thread_settings":{"model":)" + std::string(model) + "}}}";
+           R"("thread_settings":{"model":)" + model + "}}}";
 }
 
 // The running totals beside the last request's usage are never read.
-std::string usage(std::string_view input, std::string_view cached, std::string_view output) {
+std::string usage(const std::string& input, const std::string& cached, const std::string& output) {
     return R"({"total_token_usage":{"input_tokens":99999999,"output_tokens":99999999},)"
-           R"("last_token_usage":{"input_tokens":)" +
-           std::string(input) + R"(,"cached_input_tokens":)" + std::string(cached) + R"(,"output_tokens":)" +
-           std::string(output) + "}}";
+           R"("last_token_usage":{"input_tokens":)" + input + R"(,"cached_input_tokens":)" + cached +
+           R"(,"output_tokens":)" + output + "}}";
 }
 
-std::string tokenCount(std::string_view info, std::string_view limits = "null",
-                       std::string_view timestamp = "2025-01-31T09:15:02Z") {
-    return R"({"timestamp":")" + std::string(timestamp) +
-           R"(","type":"event_msg","payload":{"type":"token_count","info":)" +
-           std::string(info) + R"(,"rate_limits":)" + std::string(limits) + "}}";
+std::string tokenCount(const std::string& info, const std::string& limits = "null",
+                       const std::string& timestamp = "2025-01-31T09:15:02Z") {
+    return R"({"timestamp":")" + timestamp + R"(","type":"event_msg","payload":{"type":"token_count","info":)" + info +
+           R"(,"rate_limits":)" + limits + "}}";
 }
 
 const std::string large = usage("120000", "100000", "3000");
@@ -171,7 +165,6 @@ TEST(CodexReaderTest, OneTokenCountLine) {
         {stamped + R"("type":"token_count","payload":[)" + large + "]}", {}},
         {stamped + R"("payload":{"type":"token_count_delta","info":)" + large + "}}", {}},
         {"[" + tokenCount(large) + "]", {}}, {tokenCount(large, "\"\xc3\x28\""), {}},  // invalid UTF-8
-        {stamped + R"("type":"response_item","payload":{"type":"message","text":"count my token_count"}})", {}},
     };
     for (const auto& [line, expected] : cases) EXPECT_EQ(codexParsed(line).events, expected) << line;
 }
@@ -182,13 +175,12 @@ TEST(CodexReaderTest, LatestRateLimitSnapshotWins) {
                                R"("secondary":{"used_percent":40,"resets_at":1738332000.0},"plan_type":"plus"})";
     const std::string other = R"({"primary":{"used_percent":99.0},"plan_type":"pro"})";
     const Date resetAt = Date::fromUnixSeconds(1738332000.0);
-    const QuotaSnapshot expected{loggedAt, 12.5, resetAt, 40.0, resetAt, "plus"};
     // Then earlier or at the same instant, no limits, or a broken timestamp: kept as it is.
     CodexFileState state = codexParsed(
         tokenCount("null", limits) + "\n" + tokenCount("null", other, "2025-01-31T09:15:01Z") + "\n" +
         tokenCount("null", other, "2025-01-31T09:15:02Z") + "\n" + tokenCount(large, "null", "2025-01-31T10:00:00Z") +
         "\n" + tokenCount("null", other, "2025-01-31T10:00:00"));
-    EXPECT_EQ(state.quota, expected);
+    EXPECT_EQ(state.quota, (QuotaSnapshot{loggedAt, 12.5, resetAt, 40.0, resetAt, "plus"}));
     // Strictly later replaces; values of the wrong type are absent.
     const std::string wrongTypes = R"({"primary":{"used_percent":"7","resets_at":"x"},"secondary":[],"plan_type":3})";
     CodexReader().parseLine(tokenCount(large, wrongTypes, "2025-01-31T09:15:03Z"), state);

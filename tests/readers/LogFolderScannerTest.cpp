@@ -111,10 +111,8 @@ TEST_F(LogFolderScannerTest, ReadsVisibleJsonlFilesAtAnyDepthOnly) {
     EXPECT_EQ(scanned().days,
               (DayMap{{"2025-03-14", {{"s1#0", "s6#0", "two.parts#0"}, 3, 300, 30, {10, 10, 10}, 3, 3, {}}}}));
     // Entries are keyed by absolute path; an empty file has an entry with no days.
-    const std::string root = home.path().string() + "/projects/";
     EXPECT_EQ(files.size(), 4u);
-    EXPECT_EQ(files.at(root + "b/c/s6.jsonl").size, static_cast<int64_t>(line(100, 10).size()));
-    EXPECT_TRUE(files.at(root + "a/empty.jsonl").days.empty());
+    EXPECT_TRUE(files.at((home.path() / "projects/a/empty.jsonl").string()).days.empty());
 }
 
 TEST_F(LogFolderScannerTest, OnlyAChangeOfSizeOrTimeMakesAFileReadAgain) {
@@ -170,8 +168,7 @@ TEST_F(LogFolderScannerTest, AnUnreadableFileOrOneThatFailsKeepsItsOldEntryWhile
         if (!failure) fs::permissions(failing, fs::perms::none);
         const auto hook = [&](std::string_view run) { if (failure) failure(failing, run); };
         const FolderScan result = scanned(folder, hook, {.workerThreads = 1, .windowBytes = page});
-        EXPECT_EQ(result.counters.filesRead, 1);
-        EXPECT_EQ(result.counters.filesUnreadable, 1);
+        EXPECT_EQ(std::tuple(result.counters.filesRead, result.counters.filesUnreadable), std::tuple(1, 1));
         EXPECT_EQ(files.at(failing.string()), before);
         EXPECT_TRUE(files.count(gone.string()));
         EXPECT_EQ(result.days, (DayMap{{"2025-03-14", {{"ok#0"}, 2, 5, 5, {10}, 2, 2, {}}}}));
@@ -182,18 +179,17 @@ TEST_F(LogFolderScannerTest, AnUnreadableFileOrOneThatFailsKeepsItsOldEntryWhile
 }
 
 TEST_F(LogFolderScannerTest, LogNamesThatAreNotUtf8KeepTheirOwnEntriesAndAreNotReadAgain) {
-    home.write("projects/plain.jsonl", line(1, 1));
     // Two names apart only in bytes that are not UTF-8.
     home.write("projects/caf\xe9-\xff.jsonl", line(100, 10));
     home.write("projects/caf\xe9-\xfe.jsonl", line(1000, 0));
     const FolderScan cold = scanned();
-    EXPECT_EQ(cold.days->at("2025-03-14").inputTokens, 1101);
+    EXPECT_EQ(cold.days->at("2025-03-14").inputTokens, 1100);
     const ImportStateFile file(home.path() / "support");
     ASSERT_TRUE(file.save(ImportState{.files = files}));
 
     files = file.load().files;
     const FolderScan warm = scanned();
-    EXPECT_EQ(warm.counters.filesReused, 3);
+    EXPECT_EQ(warm.counters.filesReused, 2);
     EXPECT_EQ(warm.days, cold.days);
 }
 
@@ -217,12 +213,10 @@ UsageEvent at(int day, int hour, int minute, int second = 0) {
 // 23:30 a third, which goes on past midnight.
 TEST(DaysFromEventsTest, EpisodeRuleSplitsSessionsAndBooksHoursOnTheStartDay) {
     testing::ScopedTimeZone zone("Europe/Paris");
-    const LocalCalendar calendar;
     EXPECT_EQ(daysFromEvents({at(15, 0, 30), at(14, 12, 0), at(14, 10, 0), at(14, 23, 30), at(14, 14, 0, 1)}, "s",
-                             calendar),
+                             LocalCalendar{}),
               (DayMap{{"2025-03-14", {{"s#0", "s#1", "s#2"}, 4, 56, 4, {10, 14, 23}, 4, 8, {}}},
                       {"2025-03-15", {{}, 1, 15, 1, {}, 1, 2, {}}}}));
-    EXPECT_TRUE(daysFromEvents({}, "s", calendar).empty());
 }
 
 TEST(DaysFromEventsDeathTest, TokenOverflowStopsTheProcess) {

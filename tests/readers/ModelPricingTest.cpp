@@ -45,7 +45,6 @@ TEST(ModelPricingTest, CostInCentsAndWaterInMillilitersRoundHalvesAwayFromZero) 
     // Price, fresh input, cache writes, cache reads, output, cents.
     const std::tuple<ModelPrice, int64_t, int64_t, int64_t, int64_t, int64_t> costs[] = {
         {opus, 0, 0, 0, 1000000, 2500}, {opus, 1000, 0, 0, 0, 1}, {opus, -1000, 0, 0, 0, -1}, {opus, 0, 0, 0, 0, 0},
-        {opus, 10, 5, 1000, 2, 0},  // 0.063125
         // At the exact doubles 28.500000000000004, 24.500000000000004, 14.500000000000002; 0.3, 0.175
         // and 0.08 would give just under the half.
         {sonnet, 0, 0, 950000, 0, 29}, {codexDefault, 0, 0, 1400000, 0, 25}, {olderHaiku, 0, 0, 1812500, 0, 15},
