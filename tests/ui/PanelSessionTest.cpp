@@ -59,15 +59,14 @@ TEST_F(MenuModelTest, AWeekOfSamplesFillsTodayTheWeekAndTheImportersLines) {
         sample("2026-02-28", "claude-code", 40, 1000000, 100, 400, earlier),  // the day before the week
     };
     ImporterState importer;
-    importer.detectedTools = {UsageTool::cursor, UsageTool::codex, UsageTool::claudeCode};
     importer.lastImport = localDate(2026, 3, 7, 13, 58);
 
     const MenuModel m = compute(samples, importer);
     // 400 ml today against (1400 − 400) ÷ 2 = 500 ml on a usual day.
     EXPECT_EQ((Texts{m.todayRequestsText, m.todayTokensText, m.todayCostText, m.todayWaterText, m.comparisonLine,
-                     m.weekLine, m.detectedToolsText, *m.lastImportText}),
+                     m.weekLine, *m.lastImportText}),
               (Texts{"17", "352 k", "13" NBSP "$US au tarif API", "0,4 L", "DANS TA MOYENNE",
-                     "37 recours · 2,9 M · 22" NBSP "$US", "CLAUDE CODE · CODEX · CURSOR", "Import 13:58"}));
+                     "37 recours · 2,9 M · 22" NBSP "$US", "Import 13:58"}));
     // (352500 + 2500000 + 1000000) ÷ 3 measured days, spread over 57600 s.
     EXPECT_DOUBLE_EQ(m.tokenRatePerSecond, 1284166.0 / 57600.0);
     Texts rows;
@@ -85,8 +84,6 @@ TEST_F(MenuModelTest, CloudWarningsAndStatusLinesTurnStaleAfterThreeHours) {
         {false, 10800, CloudWarningKind::none, "", "iCloud · connecté 11:05"},
         {false, 10801, CloudWarningKind::stale, "Synchro iCloud bloquée depuis il y a 3 heures.",
          "iCloud · bloquée depuis il y a 3 heures"},
-        {false, 3 * 86400, CloudWarningKind::stale, "Synchro iCloud bloquée depuis il y a 3 jours.",
-         "iCloud · bloquée depuis il y a 3 jours"},
     };
     for (const auto& [syncing, secondsSinceSuccess, warning, warningText, statusLine] : cases) {
         SCOPED_TRACE(statusLine);
@@ -100,13 +97,10 @@ TEST_F(MenuModelTest, CloudWarningsAndStatusLinesTurnStaleAfterThreeHours) {
     }
 }
 
-TEST_F(MenuModelTest, DevelopmentBadgeAndWeekDaysAcrossMonthEndsAndClockChanges) {
+TEST_F(MenuModelTest, DevelopmentBadgeAndWeekDaysAcrossAClockChange) {
     for (const char* production : {"Production", "production"}) EXPECT_FALSE(developmentBadge(std::string(production)));
     EXPECT_FALSE(developmentBadge(std::nullopt));
     EXPECT_EQ(developmentBadge(std::string("")), "DEVELOPMENT");
-    EXPECT_EQ(weekDayKeys(localDate(2026, 3, 3, 0, 30), calendar),
-              (Texts{"2026-03-03", "2026-03-02", "2026-03-01", "2026-02-28", "2026-02-27", "2026-02-26",
-                     "2026-02-25"}));
     EXPECT_EQ(weekDayKeys(localDate(2026, 3, 30, 23, 30), calendar).back(), "2026-03-24");
 }
 
