@@ -138,7 +138,6 @@ TEST(OneSamplePerSlotTest, KeepsTheLaterUpdateThenTheFirstIdentifierTextInAnyOrd
         {"day and tool stay apart even where their joined texts would meet",
          {sample("d", "codex", 1, "1"), sample("d|codex", "", 1, "2"), sample("d", "|codex", 1, "3")},
          {"1", "3", "2"}},
-        {"nothing", {}, {}},
     };
     for (auto [name, samples, kept] : cases) {
         SCOPED_TRACE(name);

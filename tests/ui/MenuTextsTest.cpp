@@ -149,11 +149,9 @@ TEST(StatusLineTest, TodaysFiguresAndTheFullestFreshQuota) {
     UsageSample codex = SampleBuilder("2025-03-14", "codex").requests(7).tokens(200000, 6090).water(400).cost(1234)
                             .primaryQuota(40).secondaryQuota(88).updatedAt(now);
     codex.quotaSecondaryResetAt = now.addingSeconds(3 * 3600 + 60);
-    UsageSample older = codex;
-    older.updatedAt = now.addingSeconds(-60);
-    older.requests = 1000;  // the same slot, written before: it does not count
     const std::vector<UsageSample> samples = {
-        codex, older, SampleBuilder("2025-03-14", "phone-claude").tokens(4000).water(5000),  // counted, but no water
+        codex, SampleBuilder("2025-03-14", "codex").requests(1000).updatedAt(now.addingSeconds(-60)),  // written before
+        SampleBuilder("2025-03-14", "phone-claude").tokens(4000).water(5000),  // counted, but no water
         SampleBuilder("2025-03-13", "claude-code").tokens(1).primaryQuota(87.9).updatedAt(now),
         SampleBuilder("2025-03-14", "cursor").secondaryQuota(88).updatedAt(now),  // as full, but later in order
         SampleBuilder("2025-03-01", "mac-chatgpt").primaryQuota(99).updatedAt(now.addingSeconds(-691201))};  // stale
