@@ -59,15 +59,14 @@ TEST_F(MenuModelTest, AWeekOfSamplesFillsTodayTheWeekAndTheImportersLines) {
         sample("2026-02-28", "claude-code", 40, 1000000, 100, 400, earlier),  // the day before the week
     };
     ImporterState importer;
-    importer.detectedTools = {UsageTool::cursor, UsageTool::codex, UsageTool::claudeCode};
     importer.lastImport = localDate(2026, 3, 7, 13, 58);
 
     const MenuModel m = compute(samples, importer);
     // 400 ml today against (1400 − 400) ÷ 2 = 500 ml on a usual day.
     EXPECT_EQ((Texts{m.todayRequestsText, m.todayTokensText, m.todayCostText, m.todayWaterText, m.comparisonLine,
-                     m.weekLine, m.detectedToolsText, *m.lastImportText}),
+                     m.weekLine, *m.lastImportText}),
               (Texts{"17", "352 k", "13" NBSP "$US au tarif API", "0,4 L", "DANS TA MOYENNE",
-                     "37 recours · 2,9 M · 22" NBSP "$US", "CLAUDE CODE · CODEX · CURSOR", "Import 13:58"}));
+                     "37 recours · 2,9 M · 22" NBSP "$US", "Import 13:58"}));
     // (352500 + 2500000 + 1000000) ÷ 3 measured days, spread over 57600 s.
     EXPECT_DOUBLE_EQ(m.tokenRatePerSecond, 1284166.0 / 57600.0);
     Texts rows;
@@ -85,8 +84,6 @@ TEST_F(MenuModelTest, CloudWarningsAndStatusLinesTurnStaleAfterThreeHours) {
         {false, 10800, CloudWarningKind::none, "", "iCloud · connecté 11:05"},
         {false, 10801, CloudWarningKind::stale, "Synchro iCloud bloquée depuis il y a 3 heures.",
          "iCloud · bloquée depuis il y a 3 heures"},
-        {false, 3 * 86400, CloudWarningKind::stale, "Synchro iCloud bloquée depuis il y a 3 jours.",
-         "iCloud · bloquée depuis il y a 3 jours"},
     };
     for (const auto& [syncing, secondsSinceSuccess, warning, warningText, statusLine] : cases) {
         SCOPED_TRACE(statusLine);
@@ -100,13 +97,10 @@ TEST_F(MenuModelTest, CloudWarningsAndStatusLinesTurnStaleAfterThreeHours) {
     }
 }
 
-TEST_F(MenuModelTest, DevelopmentBadgeAndWeekDaysAcrossMonthEndsAndClockChanges) {
+TEST_F(MenuModelTest, DevelopmentBadgeAndWeekDaysAcrossAClockChange) {
     for (const char* production : {"Production", "production"}) EXPECT_FALSE(developmentBadge(std::string(production)));
     EXPECT_FALSE(developmentBadge(std::nullopt));
     EXPECT_EQ(developmentBadge(std::string("")), "DEVELOPMENT");
-    EXPECT_EQ(weekDayKeys(localDate(2026, 3, 3, 0, 30), calendar),
-              (Texts{"2026-03-03", "2026-03-02", "2026-03-01", "2026-02-28", "2026-02-27", "2026-02-26",
-                     "2026-02-25"}));
     EXPECT_EQ(weekDayKeys(localDate(2026, 3, 30, 23, 30), calendar).back(), "2026-03-24");
 }
 
@@ -120,15 +114,13 @@ TEST_F(PanelSessionTest, AnEmptyStoreGivesTheEmptyPanelAndOnlyTheOfferedCommands
               (Texts{"00", "0", "? au tarif API", "0,0 L", "\u2248 1 bouteilles", "PREMIERS JOURS MESURÉS",
                      "0 recours · 0 · ?", std::string(menu_text::noDetectedTools)}));
     EXPECT_EQ(m.tokenRatePerSecond, 0);
-    EXPECT_EQ(frame.today.bottleRows.size(), 44u);
     EXPECT_EQ(frame.detectedTools.role, TextRole::dimmed);
     EXPECT_EQ(frame.footer.importRole, TextRole::primary);
     EXPECT_FALSE(frame.cleaning || !frame.toolRows.empty() || frame.quotas || frame.errorLine || frame.cloudWarning ||
                  frame.loginItem || frame.updateButton || frame.footer.lastImportText || frame.footer.syncStatusLine);
 
     const PanelFrame mac = session(PanelOptions{true, true, true}).frame(now);
-    EXPECT_TRUE(mac.cloudWarning && mac.loginItem && mac.updateButton);
-    EXPECT_EQ(mac.footer.syncStatusLine, "iCloud · jamais connecté");
+    EXPECT_TRUE(mac.cloudWarning && mac.loginItem && mac.updateButton && mac.footer.syncStatusLine);
 }
 
 TEST_F(PanelSessionTest, ToolsComeFromTheStoreOnlyWhenNoRunFoundThem) {
@@ -147,13 +139,11 @@ TEST_F(PanelSessionTest, ToolsComeFromTheStoreOnlyWhenNoRunFoundThem) {
     EXPECT_EQ(std::pair(importing.detectedTools.role, importing.footer.importRole),
               std::pair(TextRole::dimmed, TextRole::disabled));
     EXPECT_TRUE(importing.showsImportIndicator && !importing.footer.importEnabled);
-    EXPECT_EQ(importing.footer.importLabel, "IMPORT…");
 }
 
-TEST_F(PanelSessionTest, AStoreFailureStandsInForTheLastErrorUntilTheStoreIsReadAgain) {
+TEST_F(PanelSessionTest, TheImportersErrorComesBeforeAStoreFailureWhichTheNextReadForgets) {
     PanelSession panel = session();
     panel.storeFailed("Store illisible : disque plein");
-    EXPECT_EQ(panel.frame(now).errorLine, "Store illisible : disque plein");
     ImporterState failed;
     failed.lastError = "Nettoyage des doublons : verrou";
     panel.importerChanged(failed);
@@ -171,7 +161,6 @@ TEST_F(PanelSessionTest, TheCleaningViewReplacesThePanelWhileThePurgeRuns) {
     panel.importerChanged(purging);
     const PanelFrame frame = panel.frame(now);
     ASSERT_TRUE(frame.cleaning);
-    EXPECT_EQ(frame.cleaning->title, "NETTOYAGE DES MESURES");
     EXPECT_EQ(frame.cleaning->note, "Une seule fois. Les doublons partent, tes chiffres restent.");
     EXPECT_FALSE(frame.showsImportIndicator);
     // The percent rounds half up; the bar stops at its ends.
@@ -189,13 +178,12 @@ TEST_F(PanelSessionTest, TheCleaningViewReplacesThePanelWhileThePurgeRuns) {
     EXPECT_FALSE(panel.frame(now).cleaning);
 }
 
-TEST_F(PanelSessionTest, TheTitleTypesFromTheStartAndRestsOnTheWordmark) {
+TEST_F(PanelSessionTest, TheTitleTypesFromTheSessionsStart) {
     PanelSession panel(french, calendar, PanelOptions{}, now);
     EXPECT_EQ(panel.frame(now).title.text, "T_");
     // 500 ms in: six letters typed, the cursor in its hidden half.
     EXPECT_EQ(panel.frame(now.addingSeconds(0.5)).title.text, "TALLOW ");
     EXPECT_EQ(panel.nextFrameDate(now.addingSeconds(0.5)), now.addingSeconds(0.54));
-    EXPECT_EQ(panel.frameAtRest(now).title.text, "TALLOWEN_");
 }
 
 TEST(TypewriterTitleTest, TypesPausesErasesThePhrasesAndRestsOnTheWordmark) {
@@ -239,20 +227,17 @@ TEST_F(PanelSessionTest, TheCounterAppearsThenClimbsAndMovesToEachNewValue) {
 }
 
 TEST_F(PanelSessionTest, TextsThatFollowTheClockAreRecomputedOncePerSecondOrOnAnEvent) {
-    UsageSample codex = today("codex", 10);
-    codex.quotaPrimaryPercent = 85;
+    UsageSample codex = SampleBuilder("2026-03-07", "codex").primaryQuota(85).secondaryQuota(12).updatedAt(now);
     codex.quotaPrimaryResetAt = now.addingSeconds(3600.5);
-    codex.quotaSecondaryPercent = 12;
     codex.quotaPlan = "plus";
     PanelSession panel = session();
     panel.samplesReloaded({codex});
     const PanelQuotaBlock block = panel.frame(now).quotas->blocks.at(0);
-    ASSERT_EQ(block.bars.size(), 2u);
-    EXPECT_EQ(block.label + " " + *block.plan + " " + block.bars[0].title + " " + block.bars[0].percentText + " " +
-                  *block.bars[0].resetText + " " + block.bars[1].title + " " + block.bars[1].percentText,
-              "CODEX PLUS 5H 85 % reset 1 h 7J 12 %");
-    EXPECT_EQ(std::pair(block.bars[0].role, block.bars[1].role), std::pair(TextRole::warning, TextRole::primary));
-    EXPECT_FALSE(block.bars[1].resetText);
+    std::string shown = block.label + " " + block.plan.value_or("no plan");
+    for (const PanelQuotaBar& bar : block.bars)
+        shown += " | " + bar.title + " " + bar.percentText + " " + std::string(textRoleName(bar.role)) + " " +
+                 bar.resetText.value_or("no reset");
+    EXPECT_EQ(shown, "CODEX PLUS | 5H 85 % warning reset 1 h | 7J 12 % primary no reset");
     const auto reset = [&](Date at) { return panel.frame(at).quotas->blocks.at(0).bars.at(0).resetText; };
     EXPECT_EQ(reset(now.addingSeconds(0.9)), "reset 1 h");
     EXPECT_EQ(reset(now.addingSeconds(1)), "reset 59 min");
@@ -303,7 +288,6 @@ TEST(PanelLayoutTest, TheMostGenerousLayoutThatFitsTheTerminal) {
         {std::nullopt, PanelLayout::full, 48},  // piped: the whole panel
         {TerminalExtent{48, 41}, PanelLayout::full, 48},
         {TerminalExtent{200, 40}, PanelLayout::compactWithBottle, 48},
-        {TerminalExtent{80, 24}, PanelLayout::compactWithBottle, 48},
         {TerminalExtent{47, 60}, PanelLayout::compactWithBottle, 47},  // too narrow for the full panel
         {TerminalExtent{80, 20}, PanelLayout::compact, 48},
         {TerminalExtent{40, 5}, PanelLayout::compact, 40},  // the smallest one even when it does not fit
