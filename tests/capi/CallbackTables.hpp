@@ -16,6 +16,13 @@ namespace tallowen::testing {
 
 inline void replyText(tw_reply* reply, const std::string& text) { tw_reply_text(reply, text.data(), text.size()); }
 
+// A text the C interface hands over, copied and freed.
+inline std::string takeText(char* text) {
+    std::string copy = text;
+    tw_string_free(text);
+    return copy;
+}
+
 // Runs one callback on the store behind `context`, its exception becoming the reply's failure.
 template <typename Body>
 void answer(void* context, tw_reply* reply, const Body& body) {
@@ -58,11 +65,10 @@ inline tw_store_callbacks sqliteStoreTable(SampleStore* store) {
     };
     table.slot_page = [](void* c, int64_t offset, int64_t limit, tw_reply* r) {
         answer(c, r, [&](SampleStore& s) {
-            std::string json = "[";
+            std::string json;
             for (const SampleSlot& slot : s.slotPage(offset, limit))
-                json += (json.size() > 1 ? R"(,{"dayKey":")" : R"({"dayKey":")") + slot.dayKey + R"(","tool":")" +
-                        slot.tool + R"("})";
-            replyText(r, json + "]");
+                json += R"(,{"dayKey":")" + slot.dayKey + R"(","tool":")" + slot.tool + R"("})";
+            replyText(r, "[" + (json.empty() ? json : json.substr(1)) + "]");
         });
     };
     table.release = [](void* c) { delete static_cast<SampleStore*>(c); };

@@ -71,14 +71,9 @@ TEST(SampleWriterTest, WritesOnlyChangedDaysAndKeepsOneSamplePerKey) {
               storedFields(storedDay("2025-03-14", "claude-code", now, 7)));
 }
 
-TEST(SampleWriterTest, StoreFailuresBecomeTheErrorAndWriteNothing) {
+TEST(SampleWriterTest, ARefusedWriteIsTheErrorAndWritesNothing) {
     testing::TempDir dir;
     const ToolResults results = {{UsageTool::codex, {{"2025-03-14", dayUsage(4)}}}};
-    SqliteSampleStore corrupt(dir.write("corrupt.sqlite", std::string(1024, 'z')));
-    const auto unreadable = writeSamples(corrupt, results, now);
-    EXPECT_EQ(unreadable.error, "Store illisible : file is not a database");
-    EXPECT_EQ(unreadable.inserted, 0);
-
     const auto path = dir.path() / SqliteSampleStore::fileName;
     SqliteSampleStore(path).count();
     SqliteSampleStore readOnly(path, SqliteSampleStore::Access::readOnly);
