@@ -289,6 +289,7 @@ TEST(PanelLayoutTest, TheMostGenerousLayoutThatFitsTheTerminal) {
         {TerminalExtent{48, 41}, PanelLayout::full, 48},
         {TerminalExtent{200, 40}, PanelLayout::compactWithBottle, 48},
         {TerminalExtent{47, 60}, PanelLayout::compactWithBottle, 47},  // too narrow for the full panel
+        {TerminalExtent{80, 21}, PanelLayout::compactWithBottle, 48},
         {TerminalExtent{80, 20}, PanelLayout::compact, 48},
         {TerminalExtent{40, 5}, PanelLayout::compact, 40},  // the smallest one even when it does not fit
         {TerminalExtent{39, 80}, PanelLayout::tooNarrow, 39},
