@@ -199,11 +199,12 @@ TEST_F(WatchCommandTest, TheCleaningViewAnimatesThePanelFollowsTheTerminalsSizeA
     expectScreenHandedBack(watch.output());
 
     // Back in the foreground, it redraws and reads single keys again.
-    watch.type("\nq");
-    EXPECT_EQ(watch.waitForExit(), 0);
-    const size_t resumed = watch.output().find("lines echoed");
+    const size_t resumed = watch.output().size();
+    watch.type("\n");
+    ASSERT_TRUE(watch.waitFor("QUITTER", resumed)) << watch.output().substr(resumed);
     EXPECT_NE(watch.output().find("\x1b[?1049h", resumed), npos);
-    EXPECT_NE(watch.output().find("QUITTER", resumed), npos);
+    watch.type("q");
+    EXPECT_EQ(watch.waitForExit(), 0);
     EXPECT_NE(watch.output().find("ended 0\nlines echoed", resumed), npos) << watch.output().substr(resumed);
     expectScreenHandedBack(watch.output());
     // The panel left on the user's screen no longer offers keys that work.

@@ -40,10 +40,10 @@ public:
     PseudoTerminal(const PseudoTerminal&) = delete;
     PseudoTerminal& operator=(const PseudoTerminal&) = delete;
 
-    // Reads the terminal until `text` shows in `output()`, ten seconds at most.
-    bool waitFor(std::string_view text) {
-        for (int wait = 0; wait < 100 && output().find(text) == std::string::npos; ++wait) read(100);
-        return output().find(text) != std::string::npos;
+    // Reads the terminal until `text` shows in `output()` after `from`, ten seconds at most.
+    bool waitFor(std::string_view text, size_t from = 0) {
+        for (int wait = 0; wait < 100 && output().find(text, from) == std::string::npos; ++wait) read(100);
+        return output().find(text, from) != std::string::npos;
     }
     // The window takes a new size; the kernel tells the command with SIGWINCH.
     void resize(int columns, int rows) const {
