@@ -10,8 +10,8 @@ namespace {
 
 // The conformance suite through the C callback table: what the engine sends
 // and reads back crosses as JSON, so the round trip of every field is checked.
-std::unique_ptr<SampleStore> openThroughCallbacks(const std::filesystem::path& path, bool readOnly) {
-    SqliteOpener opener{path, readOnly ? SqliteSampleStore::Access::readOnly : SqliteSampleStore::Access::readWrite};
+std::unique_ptr<SampleStore> openThroughCallbacks(const std::filesystem::path& path, StoreAccess access) {
+    SqliteOpener opener{path, access};
     return capi::callbackStoreOpener(opener.table())();
 }
 

@@ -4,6 +4,7 @@
 // own SQLite store and in-memory settings, so that every byte that crosses the
 // C interface is checked against a known implementation.
 
+#include "base/JsonWriter.hpp"
 #include "capi/SampleRecordJson.hpp"
 #include "capi/tallowen.h"
 #include "model/MemorySettingsStore.hpp"
@@ -65,10 +66,11 @@ inline tw_store_callbacks sqliteStoreTable(SampleStore* store) {
     };
     table.slot_page = [](void* c, int64_t offset, int64_t limit, tw_reply* r) {
         answer(c, r, [&](SampleStore& s) {
-            std::string json;
+            JsonWriter json;
+            json.beginArray();
             for (const SampleSlot& slot : s.slotPage(offset, limit))
-                json += R"(,{"dayKey":")" + slot.dayKey + R"(","tool":")" + slot.tool + R"("})";
-            replyText(r, "[" + (json.empty() ? json : json.substr(1)) + "]");
+                json.beginObject().key("dayKey").string(slot.dayKey).key("tool").string(slot.tool).endObject();
+            replyText(r, json.endArray().take());
         });
     };
     table.release = [](void* c) { delete static_cast<SampleStore*>(c); };

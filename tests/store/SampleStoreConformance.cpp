@@ -65,7 +65,7 @@ TEST_P(SampleStoreConformance, CountsKeepsTheNewestDeletesTheRestOfASlotAndPages
 
 TEST_P(SampleStoreConformance, ACorruptFileFailsEveryOperationWithSqlitesMessageAndAReadOnlyStoreRefusesChanges) {
     dir_.write("corrupt.sqlite", std::string(4096, 'x'));
-    auto corrupt = GetParam().open(dir_.path() / "corrupt.sqlite", false);
+    auto corrupt = GetParam().open(dir_.path() / "corrupt.sqlite", StoreAccess::readWrite);
     // Every operation retries opening the store, and fails the same way again.
     for (const auto& operation : std::vector<std::function<void()>>{
              [&] { corrupt->fetchAll(); }, [&] { corrupt->fetchAll(); }, [&] { corrupt->insert(everyFieldSet); },
@@ -76,7 +76,7 @@ TEST_P(SampleStoreConformance, ACorruptFileFailsEveryOperationWithSqlitesMessage
     auto store = open();
     store->insert(everyFieldSet);
     store->save();
-    auto readOnly = open(true);
+    auto readOnly = open(StoreAccess::readOnly);
     EXPECT_EQ(storedFields(readOnly->fetchAll().at(0)), storedFields(everyFieldSet));
     EXPECT_THROW(
         {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/SampleStore.hpp"
+#include "store/SqliteSampleStore.hpp"
 #include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>
@@ -12,12 +13,13 @@
 
 namespace tallowen::testing {
 
-// How one SampleStore implementation opens the store kept at a path, refusing
-// every change when asked to; an implementation joins the conformance suite
-// with INSTANTIATE_TEST_SUITE_P.
+// How one SampleStore implementation opens the SQLite store kept at a path,
+// for reading and writing or for reading only; an implementation joins the
+// conformance suite with INSTANTIATE_TEST_SUITE_P.
+using StoreAccess = SqliteSampleStore::Access;
 struct SampleStoreFactory {
     std::string name;
-    std::function<std::unique_ptr<SampleStore>(const std::filesystem::path&, bool readOnly)> open;
+    std::function<std::unique_ptr<SampleStore>(const std::filesystem::path&, StoreAccess)> open;
 };
 
 inline void PrintTo(const SampleStoreFactory& factory, std::ostream* out) { *out << factory.name; }
@@ -35,7 +37,9 @@ inline std::string storeFailure(const std::function<void()>& operation) {
 class SampleStoreConformance : public ::testing::TestWithParam<SampleStoreFactory> {
 protected:
     std::filesystem::path storePath() const { return dir_.path() / "store.sqlite"; }
-    std::unique_ptr<SampleStore> open(bool readOnly = false) const { return GetParam().open(storePath(), readOnly); }
+    std::unique_ptr<SampleStore> open(StoreAccess access = StoreAccess::readWrite) const {
+        return GetParam().open(storePath(), access);
+    }
 
     TempDir dir_;
 };

@@ -8,9 +8,8 @@
 namespace tallowen::testing {
 namespace {
 
-std::unique_ptr<SampleStore> openSqlite(const std::filesystem::path& path, bool readOnly) {
-    using Access = SqliteSampleStore::Access;
-    return std::make_unique<SqliteSampleStore>(path, readOnly ? Access::readOnly : Access::readWrite);
+std::unique_ptr<SampleStore> openSqlite(const std::filesystem::path& path, StoreAccess access) {
+    return std::make_unique<SqliteSampleStore>(path, access);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sqlite, SampleStoreConformance, ::testing::Values(SampleStoreFactory{"Sqlite", openSqlite}));

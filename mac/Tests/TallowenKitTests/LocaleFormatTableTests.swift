@@ -22,8 +22,7 @@ struct LocaleFormatTableTests {
     }
 
     static let rows: [Row] = {
-        let table = URL(fileURLWithPath: #filePath).deletingLastPathComponent().deletingLastPathComponent()
-            .deletingLastPathComponent().deletingLastPathComponent().appendingPathComponent("tests/data/locale-formats.json")
+        let table = RepositoryFolder.url.appendingPathComponent("tests/data/locale-formats.json")
         guard let data = try? Data(contentsOf: table) else { return [] }
         return (try? JSONDecoder().decode([Row].self, from: data)) ?? []
     }()

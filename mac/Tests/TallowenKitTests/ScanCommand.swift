@@ -6,8 +6,7 @@ import TallowenKit
 enum ScanCommand {
     static var executable: URL {
         if let path = ProcessInfo.processInfo.environment["TALLOWEN_EXE"] { return URL(fileURLWithPath: path) }
-        return URL(fileURLWithPath: #filePath).deletingLastPathComponent().deletingLastPathComponent()
-            .deletingLastPathComponent().deletingLastPathComponent().appendingPathComponent("build/release/tallowen")
+        return RepositoryFolder.url.appendingPathComponent("build/release/tallowen")
     }
 
     static var isBuilt: Bool { FileManager.default.isExecutableFile(atPath: executable.path) }

@@ -20,8 +20,7 @@ struct UsageHome {
     }
 
     /// The JSONL logs the C++ tests' home folder holds too.
-    static let logs = URL(fileURLWithPath: #filePath).deletingLastPathComponent().deletingLastPathComponent()
-        .deletingLastPathComponent().deletingLastPathComponent().appendingPathComponent("tests/data/usage-home")
+    static let logs = RepositoryFolder.url.appendingPathComponent("tests/data/usage-home")
 
     func remove() {
         try? FileManager.default.removeItem(at: root)
